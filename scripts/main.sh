@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# The main job: build the command-line host and draw the device test card.
+set -euo pipefail
+ROOT="$(cd "$(dirname "$0")/.." && pwd)"
+cd "$ROOT"
+bash scripts/setup.sh
+cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release
+ninja -C build/release -j2 bvxcad
+OUT="$ROOT/build/testcard.bmp"
+build/release/src/hosts/cli/bvxcad testcard "$OUT"
+echo "The picture is at $OUT"

@@ -1,0 +1,49 @@
+// bvxcad: the command-line host of the drawing control.
+#include "TestCard.h"
+#include "platform/ByteStream.h"
+#include "platform/raster/RasterDeviceContext.h"
+#include "raster/Dib.h"
+#include "raster/Image2.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+namespace {
+
+int Usage()
+{
+    std::fprintf(stderr,
+                 "usage: bvxcad testcard OUT.bmp   draw the device test card into a 24-bit BMP\n");
+    return 2;
+}
+
+bool WriteBitmapFile(const bvx::Bitmap& bitmap, const std::string& path)
+{
+    auto dib = bvx::DibFromBitmap(bitmap, 24, 0, nullptr);
+    if (!dib) return false;
+    auto file = bvx::FileSink::Create(path);
+    return file && bvx::DibWriteBmp(*dib, *file) && file->Close();
+}
+
+int RunTestCard(const std::string& path)
+{
+    auto bitmap = bvx::CreateBitmap(bvx::kTestCardWidth, bvx::kTestCardHeight);
+    bvx::RasterDeviceContext dc(bitmap);
+    bvx::DrawTestCard(dc);
+    if (!WriteBitmapFile(*bitmap, path)) {
+        std::fprintf(stderr, "bvxcad: cannot write %s\n", path.c_str());
+        return 1;
+    }
+    std::printf("bvxcad: test card written to %s (%dx%d)\n", path.c_str(), bitmap->Width(), bitmap->Height());
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    bvx::SetErrorReporter([](const std::string& message) { std::fprintf(stderr, "bvxcad: %s\n", message.c_str()); });
+    if (argc == 3 && std::strcmp(argv[1], "testcard") == 0) return RunTestCard(argv[2]);
+    return Usage();
+}

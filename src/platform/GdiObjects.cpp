@@ -1,0 +1,39 @@
+#include "GdiObjects.h"
+
+namespace bvx {
+
+namespace {
+// Keeps a surface's pixel count within what a 32-bit size computation and a
+// WebAssembly heap can hold.
+constexpr int64_t kMaxBitmapPixels = int64_t(1) << 28;
+} // namespace
+
+Bitmap::Bitmap(int32_t width, int32_t height)
+    : width_(width), height_(height), pixels_(size_t(width) * size_t(height), 0)
+{
+}
+
+PenHandle CreatePen(PenStyle style, int32_t width, ColorRef color)
+{
+    return std::make_shared<const Pen>(Pen{style, width, color & 0xFFFFFF});
+}
+
+BrushHandle CreateSolidBrush(ColorRef color)
+{
+    return std::make_shared<const Brush>(Brush{BrushStyle::Solid, HatchStyle::Horizontal, color & 0xFFFFFF});
+}
+
+BrushHandle CreateHatchBrush(HatchStyle hatch, ColorRef color)
+{
+    return std::make_shared<const Brush>(Brush{BrushStyle::Hatched, hatch, color & 0xFFFFFF});
+}
+
+BrushHandle CreateNullBrush() { return std::make_shared<const Brush>(Brush{BrushStyle::Null, {}, 0}); }
+
+BitmapHandle CreateBitmap(int32_t width, int32_t height)
+{
+    if (width <= 0 || height <= 0 || int64_t(width) * height > kMaxBitmapPixels) return nullptr;
+    return std::make_shared<Bitmap>(width, height);
+}
+
+} // namespace bvx

@@ -1,0 +1,54 @@
+// Regions for hit tests: the set of device pixels a filled shape covers,
+// kept as bands of rows with sorted spans so that a point test is a search.
+#pragma once
+
+#include "GdiObjects.h"
+#include "Geometry.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace bvx {
+
+class Region {
+public:
+    struct Span {
+        int32_t left;  // inclusive
+        int32_t right; // exclusive
+    };
+    // Rows [top, bottom) that share one list of spans.
+    struct Band {
+        int32_t top;
+        int32_t bottom;
+        uint32_t firstSpan;
+        uint32_t spanCount;
+    };
+
+    Region() = default;
+
+    bool PtInRegion(int32_t x, int32_t y) const;
+    DeviceRect GetRgnBox() const { return box_; }
+    bool IsEmpty() const { return bands_.empty(); }
+
+    // For builders: append a row's spans (sorted, disjoint) for row y; rows
+    // must come in increasing order. Equal neighbouring rows merge into a band.
+    void AppendRow(int32_t y, std::span<const Span> spans);
+
+    std::span<const Band> Bands() const { return bands_; }
+    std::span<const Span> Spans() const { return spans_; }
+
+private:
+    std::vector<Band> bands_;
+    std::vector<Span> spans_;
+    DeviceRect box_{};
+};
+
+// Factories with the platform's rules for which pixels each region holds.
+Region CreateRectRgn(int32_t left, int32_t top, int32_t right, int32_t bottom);
+Region CreatePolygonRgn(std::span<const DevicePoint> points, PolyFillMode mode);
+Region CreateEllipticRgn(int32_t left, int32_t top, int32_t right, int32_t bottom);
+Region CreateRoundRectRgn(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t ellipseWidth,
+                          int32_t ellipseHeight);
+
+} // namespace bvx

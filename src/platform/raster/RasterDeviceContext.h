@@ -1,0 +1,102 @@
+// The portable device: draws into a 32-bit memory bitmap with the pixel
+// rules of the platform's GDI in its default mapping mode.
+#pragma once
+
+#include "../DeviceContext.h"
+
+#include <vector>
+
+namespace bvx {
+
+class RasterDeviceContext final : public DeviceContext {
+public:
+    // A memory context; with no bitmap selected every drawing call is a no-op.
+    explicit RasterDeviceContext(BitmapHandle bitmap = nullptr, int32_t dpiX = 96, int32_t dpiY = 96);
+
+    PenHandle SelectPen(PenHandle pen) override;
+    BrushHandle SelectBrush(BrushHandle brush) override;
+    FontHandle SelectFont(FontHandle font) override;
+    BitmapHandle SelectBitmap(BitmapHandle bitmap) override;
+    BitmapHandle CurrentBitmap() const override { return state_.bitmap; }
+
+    BackMode SetBkMode(BackMode mode) override;
+    ColorRef SetBkColor(ColorRef color) override;
+    ColorRef SetTextColor(ColorRef color) override;
+    PolyFillMode SetPolyFillMode(PolyFillMode mode) override;
+    Rop2 SetROP2(Rop2 rop) override;
+    BackMode GetBkMode() const override { return state_.backMode; }
+    ColorRef GetBkColor() const override { return state_.backColor; }
+    ColorRef GetTextColor() const override { return state_.textColor; }
+
+    DevicePoint MoveToEx(int32_t x, int32_t y) override;
+    bool LineTo(int32_t x, int32_t y) override;
+    bool Polyline(std::span<const DevicePoint> points) override;
+    bool Polygon(std::span<const DevicePoint> points) override;
+    bool Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+    bool RoundRect(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t ellipseWidth,
+                   int32_t ellipseHeight) override;
+    bool Ellipse(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+    bool Arc(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t xStart, int32_t yStart, int32_t xEnd,
+             int32_t yEnd) override;
+    bool Pie(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t xStart, int32_t yStart, int32_t xEnd,
+             int32_t yEnd) override;
+    bool Chord(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t xStart, int32_t yStart, int32_t xEnd,
+               int32_t yEnd) override;
+
+    bool PatBlt(int32_t x, int32_t y, int32_t width, int32_t height, uint32_t rop) override;
+    bool BitBlt(int32_t x, int32_t y, int32_t width, int32_t height, const DeviceContext& source, int32_t xSource,
+                int32_t ySource, uint32_t rop) override;
+    bool SetPixelV(int32_t x, int32_t y, ColorRef color) override;
+    ColorRef GetPixel(int32_t x, int32_t y) const override;
+    bool FillRect(const DeviceRect& rect, const Brush& brush) override;
+    bool FrameRect(const DeviceRect& rect, const Brush& brush) override;
+    bool DrawFocusRect(const DeviceRect& rect) override;
+
+    bool IntersectClipRect(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+    void SelectClipRegion(const DeviceRect* rect) override;
+
+    int32_t SaveDC() override;
+    bool RestoreDC(int32_t saved) override;
+
+    int32_t SetDIBitsToDevice(int32_t xDest, int32_t yDest, int32_t width, int32_t height, int32_t xSource,
+                              int32_t ySource, std::span<const uint8_t> packedDib) override;
+    int32_t StretchDIBits(int32_t xDest, int32_t yDest, int32_t destWidth, int32_t destHeight, int32_t xSource,
+                          int32_t ySource, int32_t sourceWidth, int32_t sourceHeight,
+                          std::span<const uint8_t> packedDib, uint32_t rop) override;
+
+    bool TextOutA(int32_t x, int32_t y, std::string_view text) override;
+    bool GetTextExtentPoint32A(std::string_view text, DeviceSize& size) const override;
+    bool GetTextMetricsA(TextMetrics& metrics) const override;
+
+    int32_t DpiX() const override { return dpiX_; }
+    int32_t DpiY() const override { return dpiY_; }
+
+    std::unique_ptr<DeviceContext> CreateCompatibleDC() const override;
+
+private:
+    struct State {
+        BitmapHandle bitmap;
+        PenHandle pen;
+        BrushHandle brush;
+        FontHandle font;
+        BackMode backMode = BackMode::Opaque;
+        ColorRef backColor = kWhite;
+        ColorRef textColor = kBlack;
+        PolyFillMode fillMode = PolyFillMode::Alternate;
+        Rop2 rop2 = Rop2::CopyPen;
+        DevicePoint position{};
+        bool hasClip = false;
+        DeviceRect clip{};
+    };
+
+    // The rectangle every primitive is clipped to: the bitmap, narrowed by
+    // any clip. Empty when no bitmap is selected.
+    DeviceRect EffectiveClip() const;
+
+    State state_;
+    std::vector<State> saved_;
+    int32_t dpiX_;
+    int32_t dpiY_;
+};
+
+} // namespace bvx
