@@ -11,7 +11,7 @@ FUZZ_SECONDS="${BVX_FUZZ_SECONDS:-60}"
 step() { printf '\n=== %s ===\n' "$*"; }
 
 step "native release build and tests"
-cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release
+cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DBVX_FIDELITY=ON
 ninja -C build/release -j$JOBS
 ctest --test-dir build/release --output-on-failure
 
