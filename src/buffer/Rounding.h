@@ -1,0 +1,21 @@
+// The two roundings every world and device conversion rests on, and the one
+// way a double passes through a 32-bit integer.
+#pragma once
+
+#include <cstdint>
+
+namespace bvx {
+
+// Truncates towards zero and wraps modulo 2^32 when the value fits in 64
+// bits; NaN, infinities and larger values give 0x80000000. Never traps.
+int32_t WrapToInt32(double value);
+
+// To the nearest integer, a tie going down: 2.5 gives 2, -2.5 gives -3.
+int32_t RoundHalfDown(double value);
+
+// To n decimals: the fraction is first truncated to n + 1 digits and then
+// rounded half down. The integer part and the truncated fraction both pass
+// through 32-bit integers and wrap beyond them.
+double RoundTo(double value, int32_t decimals);
+
+} // namespace bvx

@@ -1,0 +1,63 @@
+// What the core asks of the window it lives in. Every host provides one; a
+// view with none runs headless and its redraw requests go nowhere.
+#pragma once
+
+#include "DeviceContext.h"
+#include "Geometry.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bvx {
+
+struct PopupMenuItem {
+    uint32_t command = 0; // 0 with an empty text is a separator
+    std::u16string text;
+    bool checked = false;
+    bool enabled = true;
+};
+
+class HostWindow {
+public:
+    virtual ~HostWindow() = default;
+
+    virtual void InvalidateRect(const DeviceRect* rect, bool erase) = 0; // null: the whole client area
+    virtual DeviceRect GetClientRect() const = 0;
+    // A device context of the window, handed back with ReleaseDC.
+    virtual std::unique_ptr<DeviceContext> GetDC() = 0;
+    virtual void ReleaseDC(std::unique_ptr<DeviceContext> dc) = 0;
+
+    virtual DevicePoint ClientToScreen(DevicePoint p) const = 0;
+    virtual DevicePoint ScreenToClient(DevicePoint p) const = 0;
+    virtual DevicePoint GetCursorPos() const = 0; // screen coordinates
+    virtual void SetCursorPos(DevicePoint screen) = 0;
+
+    virtual void SetCapture() = 0;
+    virtual void ReleaseCapture() = 0;
+    virtual bool HasCapture() const = 0;
+
+    virtual void CreateCaret(int32_t width, int32_t height) = 0;
+    virtual void SetCaretPos(DevicePoint p) = 0;
+    virtual void ShowCaret() = 0;
+    virtual void HideCaret() = 0;
+    virtual void DestroyCaret() = 0;
+
+    // Pointer images by the platform's cursor resource number.
+    virtual void SetPointer(int32_t pointerId) = 0;
+    virtual void SetFocus() = 0;
+
+    // Returns the chosen command, 0 if none.
+    virtual uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint screen) = 0;
+    virtual int32_t MessageBox(const std::u16string& text, const std::u16string& caption, uint32_t flags) = 0;
+    // Handles pending input so that a long operation can see a key or a cancel.
+    virtual void PumpMessages() = 0;
+
+    virtual int32_t ScreenDpiX() const = 0;
+    virtual int32_t ScreenDpiY() const = 0;
+    // False while the container is in design mode.
+    virtual bool UserMode() const = 0;
+};
+
+} // namespace bvx

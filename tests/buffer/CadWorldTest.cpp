@@ -1,0 +1,240 @@
+#include "buffer/CadWorld.h"
+#include "buffer/Rounding.h"
+#include "platform/HostWindow.h"
+#include "platform/raster/RasterDeviceContext.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace bvx {
+namespace {
+
+CadWorld WorldOfSize(int32_t width, int32_t height)
+{
+    CadWorld w;
+    w.SetClientRect({0, 0, width, height});
+    return w;
+}
+
+TEST(CadWorld, FreshViewAt101ShowsZeroToHundredAtScaleOne)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    EXPECT_DOUBLE_EQ(w.ScaleX, 1.0);
+    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
+    EXPECT_EQ(w.SignX, 1);
+    EXPECT_EQ(w.SignY, -1);
+    EXPECT_EQ(w.WorldToDevice({0, 100}), (DevicePoint{0, 0}));
+    EXPECT_EQ(w.WorldToDevice({100, 0}), (DevicePoint{100, 100}));
+    EXPECT_EQ(w.WorldToDevice({50, 25}), (DevicePoint{50, 75}));
+    WorldPoint back = w.DeviceToWorld({30, 40});
+    EXPECT_DOUBLE_EQ(back.x, 30);
+    EXPECT_DOUBLE_EQ(back.y, 60);
+}
+
+TEST(CadWorld, SquareWorldWidensTheFreeAxis)
+{
+    CadWorld w = WorldOfSize(201, 101);
+    EXPECT_DOUBLE_EQ(w.ScaleX, 1.0);
+    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
+    EXPECT_DOUBLE_EQ(w.WorldRight, 200.0);
+    EXPECT_DOUBLE_EQ(w.WorldLeft, 0.0);
+
+    // Without the square rule each axis takes its own scale.
+    w.SetWorldSquare(false);
+    w.SetWorld(0, 100, 100, 0, 0);
+    EXPECT_DOUBLE_EQ(w.ScaleX, 2.0);
+    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
+}
+
+TEST(CadWorld, SquareWorldOnANegativeYAxisKeepsTheBottomEdge)
+{
+    CadWorld w = WorldOfSize(101, 201);
+    // X decides the scale (1); Y's top moves up, its bottom stays.
+    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
+    EXPECT_DOUBLE_EQ(w.WorldBottom, 0.0);
+    EXPECT_DOUBLE_EQ(w.WorldTop, 200.0);
+    EXPECT_EQ(w.WorldToDevice({0, 0}), (DevicePoint{0, 200}));
+}
+
+TEST(CadWorld, TinyWorldIsWidenedAroundItself)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    w.SetWorld(5, 5, 5, 5, 0);
+    EXPECT_DOUBLE_EQ(w.WorldLeft, 4);
+    EXPECT_DOUBLE_EQ(w.WorldRight, 6);
+    // Y ran against the device (sign -1), so top goes up by one and bottom down.
+    EXPECT_DOUBLE_EQ(w.WorldTop, 6);
+    EXPECT_DOUBLE_EQ(w.WorldBottom, 4);
+}
+
+TEST(CadWorld, AxesMayRunEitherWay)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    w.SetWorld(10, 0, 0, 10, 0);
+    EXPECT_EQ(w.SignX, -1);
+    EXPECT_EQ(w.SignY, 1);
+    EXPECT_EQ(w.WorldToDevice({10, 0}), (DevicePoint{0, 0}));
+    EXPECT_EQ(w.WorldToDevice({0, 10}), (DevicePoint{100, 100}));
+}
+
+TEST(CadWorld, PanMovesAllEdges)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    w.Pan(10, -5);
+    EXPECT_DOUBLE_EQ(w.WorldLeft, 10);
+    EXPECT_DOUBLE_EQ(w.WorldRight, 110);
+    EXPECT_DOUBLE_EQ(w.WorldTop, 95);
+    EXPECT_DOUBLE_EQ(w.WorldBottom, -5);
+}
+
+TEST(CadWorld, SizeConversionsCarryNoOrigin)
+{
+    CadWorld w = WorldOfSize(201, 201);
+    w.SetWorld(0, 100, 100, 0, 0);
+    EXPECT_EQ(w.WorldSizeToDevice({10, 10}), (DevicePoint{20, 20}));
+    EXPECT_EQ(w.WorldHeightToDevice(2.25), 4); // 4.5 rounds half down
+    WorldPoint size = w.DeviceSizeToWorld({20, 20});
+    EXPECT_DOUBLE_EQ(size.x, 10);
+    EXPECT_DOUBLE_EQ(size.y, -10);
+    EXPECT_DOUBLE_EQ(w.DeviceHeightToWorld(20), 10);
+}
+
+TEST(CadWorld, BadNumbersNeverTrap)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    // An edge put bypasses the widening guard: the scale becomes infinite
+    // (with a square world the other axis's finite scale would win).
+    w.SetEdge(w.WorldRight, 0, 2);
+    w.WorldSquare = 0;
+    w.SetEdge(w.WorldRight, w.WorldLeft, 2);
+    EXPECT_TRUE(std::isinf(w.ScaleX) || std::isnan(w.ScaleX));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    for (WorldPoint p : {WorldPoint{nan, nan}, WorldPoint{inf, -inf}, WorldPoint{1e300, -1e300}, WorldPoint{5, 5}})
+        (void)w.WorldToDevice(p);
+    (void)w.DeviceToWorld({INT32_MAX, INT32_MIN});
+    w.SetWorld(nan, inf, -inf, 1e308, 0);
+    (void)w.WorldToDevice({1, 1});
+}
+
+TEST(CadWorld, TransformStepsComeInTheFixedOrder)
+{
+    CadWorld w;
+    TransformRequest r;
+    // Scale by 2 about (1, 1), then translate by (10, 0): the translation
+    // is not scaled whatever the bit values.
+    r.mode = TransformBits::Scale | TransformBits::Translate;
+    r.pivotX = 1;
+    r.pivotY = 1;
+    r.scaleX = r.scaleY = 2;
+    r.translateX = 10;
+    WorldPoint p = w.BuildTransform(r).Apply({2, 2});
+    EXPECT_DOUBLE_EQ(p.x, 13);
+    EXPECT_DOUBLE_EQ(p.y, 3);
+
+    // Rotation by 90 about the origin, with the historical constant.
+    r = {};
+    r.mode = TransformBits::Rotate;
+    r.angleDegrees = 90;
+    p = w.BuildTransform(r).Apply({1, 0});
+    EXPECT_NEAR(p.x, 0, 1e-9);
+    EXPECT_NEAR(p.y, 1, 1e-9);
+    EXPECT_NE(p.x, 0.0); // 0.01745329252 is not pi/180 exactly
+    EXPECT_DOUBLE_EQ(w.LastRotation, 90);
+
+    // Reflect mode 0 mirrors across y = pivotY; mode 1 across x = pivotX.
+    r = {};
+    r.mode = TransformBits::Reflect;
+    r.pivotX = 3;
+    r.pivotY = 5;
+    p = w.BuildTransform(r).Apply({1, 1});
+    EXPECT_DOUBLE_EQ(p.x, 1);
+    EXPECT_DOUBLE_EQ(p.y, 9);
+    r.reflectMode = 1;
+    p = w.BuildTransform(r).Apply({1, 1});
+    EXPECT_DOUBLE_EQ(p.x, 5);
+    EXPECT_DOUBLE_EQ(p.y, 1);
+    EXPECT_DOUBLE_EQ(w.LastRotation, 0);
+
+    // Shear has no pivot; an unknown mode shears X.
+    r = {};
+    r.mode = TransformBits::Shear;
+    r.shear = 2;
+    r.shearMode = 7;
+    p = w.BuildTransform(r).Apply({1, 3});
+    EXPECT_DOUBLE_EQ(p.x, 7);
+    EXPECT_DOUBLE_EQ(p.y, 3);
+
+    // A vanishing scale factor skips the step entirely.
+    r = {};
+    r.mode = TransformBits::Scale;
+    r.scaleX = 0;
+    r.scaleY = 2;
+    p = w.BuildTransform(r).Apply({4, 4});
+    EXPECT_DOUBLE_EQ(p.x, 4);
+    EXPECT_DOUBLE_EQ(p.y, 4);
+}
+
+int CountPixels(const Bitmap& b, ColorRef color)
+{
+    int n = 0;
+    for (uint32_t p : b.Pixels()) n += p == color;
+    return n;
+}
+
+TEST(CadWorld, GridIsDotsAtMultiplesOfTheSpacingUnlessTooDense)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    auto bitmap = CreateBitmap(101, 101);
+    RasterDeviceContext dc(bitmap);
+    w.GridSet(true, 10, 10, 0x0000FF);
+    w.DrawGrid(dc, {0, 0, 101, 101});
+    EXPECT_EQ(CountPixels(*bitmap, 0x0000FF), 11 * 11);
+    EXPECT_EQ(bitmap->Pixel(50, 50), 0x0000FFu);
+    EXPECT_NE(bitmap->Pixel(55, 50), 0x0000FFu);
+
+    auto fine = CreateBitmap(101, 101);
+    RasterDeviceContext fineDc(fine);
+    w.GridSet(true, 0.1, 10, 0x00FF00);
+    w.DrawGrid(fineDc, {0, 0, 101, 101});
+    EXPECT_EQ(CountPixels(*fine, 0x00FF00), 0);
+
+    // A spacing that vanishes against the coordinates must still end.
+    w.SetWorld(1e17, 100, 1e17 + 100, 0, 0);
+    w.GridSet(true, 10, 10, 0x00FF00);
+    w.DrawGrid(fineDc, {0, 0, 101, 101});
+}
+
+TEST(CadWorld, GridSetNeedsPositiveSizes)
+{
+    CadWorld w;
+    EXPECT_FALSE(w.GridSet(true, 0, 10, 5));
+    EXPECT_EQ(w.GridOn, 0);
+    EXPECT_DOUBLE_EQ(w.GridWidth, 10);
+    EXPECT_FALSE(w.GridSet(true, std::numeric_limits<double>::quiet_NaN(), 10, 5));
+}
+
+TEST(CadWorld, SnapToGridPullsBackInsideByOneCell)
+{
+    CadWorld w = WorldOfSize(101, 101);
+    WorldPoint p{104, -3};
+    EXPECT_FALSE(w.SnapToGrid(p)); // the grid is off
+    EXPECT_DOUBLE_EQ(p.x, 104);
+    w.GridSet(true, 10, 10, 0);
+    EXPECT_TRUE(w.SnapToGrid(p));
+    EXPECT_DOUBLE_EQ(p.x, 100);
+    EXPECT_DOUBLE_EQ(p.y, 0);
+    p = {107, -6};
+    w.SnapToGrid(p); // 110 is outside: back by one cell; -10 likewise
+    EXPECT_DOUBLE_EQ(p.x, 100);
+    EXPECT_DOUBLE_EQ(p.y, 0);
+    p = {23, 45}; // 45 / 10 = 4.5 rounds half down
+    w.SnapToGrid(p);
+    EXPECT_DOUBLE_EQ(p.x, 20);
+    EXPECT_DOUBLE_EQ(p.y, 40);
+}
+
+} // namespace
+} // namespace bvx
