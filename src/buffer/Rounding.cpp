@@ -37,3 +37,20 @@ double RoundTo(double value, int32_t decimals)
 }
 
 } // namespace bvx
+
+namespace bvx {
+
+int32_t MulDiv(int32_t a, int32_t b, int32_t c)
+{
+    if (c == 0) return -1;
+    int64_t product = int64_t(a) * b;
+    // Halves go away from zero: add half the divisor with the result's sign.
+    bool negative = (product < 0) != (c < 0);
+    uint64_t magnitude = product < 0 ? uint64_t(-(product + 1)) + 1 : uint64_t(product);
+    uint64_t divisor = c < 0 ? uint64_t(-(int64_t(c))) : uint64_t(c);
+    uint64_t q = (magnitude + divisor / 2) / divisor;
+    if (q > (negative ? uint64_t(INT32_MAX) + 1 : uint64_t(INT32_MAX))) return -1;
+    return negative ? int32_t(-int64_t(q)) : int32_t(q);
+}
+
+} // namespace bvx

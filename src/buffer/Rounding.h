@@ -19,3 +19,11 @@ int32_t RoundHalfDown(double value);
 double RoundTo(double value, int32_t decimals);
 
 } // namespace bvx
+
+namespace bvx {
+
+// a * b / c rounded half away from zero with a 64-bit product, as the
+// platform's MulDiv; -1 when c is 0 or the result leaves 32 bits.
+int32_t MulDiv(int32_t a, int32_t b, int32_t c);
+
+} // namespace bvx

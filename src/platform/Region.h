@@ -33,7 +33,10 @@ public:
 
     // For builders: append a row's spans (sorted, disjoint) for row y; rows
     // must come in increasing order. Equal neighbouring rows merge into a band.
-    void AppendRow(int32_t y, std::span<const Span> spans);
+    void AppendRow(int32_t y, std::span<const Span> spans) { AppendBand(y, y + 1, spans); }
+    // The same for rows [top, bottom) that all hold `spans`; top must not be
+    // above the last appended row's bottom.
+    void AppendBand(int32_t top, int32_t bottom, std::span<const Span> spans);
 
     std::span<const Band> Bands() const { return bands_; }
     std::span<const Span> Spans() const { return spans_; }

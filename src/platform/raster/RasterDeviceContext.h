@@ -4,6 +4,7 @@
 
 #include "../DeviceContext.h"
 
+#include <memory>
 #include <vector>
 
 namespace bvx {
@@ -12,6 +13,7 @@ class RasterDeviceContext final : public DeviceContext {
 public:
     // A memory context; with no bitmap selected every drawing call is a no-op.
     explicit RasterDeviceContext(BitmapHandle bitmap = nullptr, int32_t dpiX = 96, int32_t dpiY = 96);
+    ~RasterDeviceContext() override;
 
     PenHandle SelectPen(PenHandle pen) override;
     BrushHandle SelectBrush(BrushHandle brush) override;
@@ -93,10 +95,26 @@ private:
     // any clip. Empty when no bitmap is selected.
     DeviceRect EffectiveClip() const;
 
+    // How the selected pen draws; see RasterDeviceContext.cpp.
+    struct Stroke;
+    // Reusable buffers of the rasterizers, so that drawing allocates only
+    // while they grow.
+    struct Scratch;
+
+    Stroke CurrentStroke() const;
+    bool StrokeAndFill(const Stroke& stroke, bool closed, int interiorKind, PolyFillMode fillMode);
+    void StrokeThin(const Stroke& stroke, bool closed);
+    bool DrawRectangle(const Stroke& stroke, int64_t left, int64_t top, int64_t right, int64_t bottom);
+    bool DrawArc(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t xStart, int32_t yStart,
+                 int32_t xEnd, int32_t yEnd, int kind);
+    bool PenDeviceRect(const Stroke& stroke, int64_t& left, int64_t& top, int64_t& right, int64_t& bottom) const;
+    bool PatRect(int64_t x, int64_t y, int64_t width, int64_t height, const Brush* brush, Rop2 rop);
+
     State state_;
     std::vector<State> saved_;
     int32_t dpiX_;
     int32_t dpiY_;
+    std::unique_ptr<Scratch> scratch_;
 };
 
 } // namespace bvx

@@ -1,0 +1,121 @@
+#include "CadLayer.h"
+
+#include "control/CadView.h"
+#include "platform/DeviceContext.h"
+
+#include <algorithm>
+
+namespace bvx {
+
+namespace {
+// Types whose shapes have no inside: their search method is not a choice.
+bool HasNoSearchChoice(int32_t type)
+{
+    return type == bvxLine || type == bvxPolyline || type == bvxFreehand || type == bvxSpline || type == bvxPoint;
+}
+} // namespace
+
+CadLayer::CadLayer(bool groupList)
+    : Attr(groupList ? nullptr : std::make_unique<ShapeAttr>(ShapeAttr::Default())), IsGroupList(groupList ? 1 : 0)
+{
+}
+
+CadLayer::~CadLayer()
+{
+    // Back to front, as shapes have always been destroyed.
+    while (!Shapes.empty()) Shapes.pop_back();
+}
+
+void CadLayer::SetSearchMethod(int32_t type, int32_t method)
+{
+    if (type < 0 || type > 20 || HasNoSearchChoice(type)) return;
+    SearchMethods[size_t(type)] = uint8_t(method & 3);
+}
+
+int16_t CadLayer::GetSearchMethod(int32_t type) const
+{
+    if (type < 0 || type > 20 || type == bvxLine || type == bvxPoint) return 0;
+    return SearchMethods[size_t(type)];
+}
+
+size_t CadLayer::IndexOf(const CObjShape* shape) const
+{
+    auto it = std::find_if(Shapes.begin(), Shapes.end(), [&](const auto& s) { return s.get() == shape; });
+    return size_t(it - Shapes.begin());
+}
+
+std::unique_ptr<CObjShape> CadLayer::Take(const CObjShape* shape)
+{
+    auto it = std::find_if(Shapes.begin(), Shapes.end(), [&](const auto& s) { return s.get() == shape; });
+    if (it == Shapes.end()) return nullptr;
+    std::unique_ptr<CObjShape> taken = std::move(*it);
+    Shapes.erase(it);
+    return taken;
+}
+
+void DrawWithAttr(DeviceContext& dc, CObjShape& shape, const ShapeAttr& attr, const DeviceRect& clip, CadView& view,
+                  int32_t mode)
+{
+    PenHandle oldPen = dc.SelectPen(view.SelectPen(attr, view.World));
+    BrushHandle oldBrush = dc.SelectBrush(view.SelectBrush(attr));
+    BackMode oldMode = dc.SetBkMode(CadColorTable::BackModeFor(attr));
+    ColorRef oldBack = dc.SetBkColor(view.BackColorFor(attr));
+    ColorRef oldText = dc.SetTextColor(view.PenFor(attr, view.World).color);
+    shape.Draw(dc, clip, view, mode);
+    dc.SelectPen(oldPen);
+    dc.SelectBrush(oldBrush);
+    dc.SetBkMode(oldMode);
+    dc.SetBkColor(oldBack);
+    dc.SetTextColor(oldText);
+}
+
+void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, CadView& view, int32_t mode)
+{
+    // The size is read on every pass: drawing may fire into the host.
+    for (size_t i = 0; i < Shapes.size(); ++i) {
+        CObjShape& shape = *Shapes[i];
+        if (shape.selected) continue;
+        if (!view.World.Changed && !IsGroupList) {
+            DeviceRect b = OrderedRect(shape.BoundsAsRect());
+            if (b.Intersected(clip).IsEmpty()) continue;
+            // A shape drawn whole may cover shapes above it: they must follow.
+            clip = clip.United(b);
+        }
+        if (shape.GroupList()) {
+            shape.Draw(dc, clip, view, mode);
+            continue;
+        }
+        const ShapeAttr& attr = IsGroupList && mode != 0 && view.Buf.SelectMode != 1 && Attr
+                                    ? *Attr
+                                    : view.EffectiveAttr(shape);
+        DrawWithAttr(dc, shape, attr, clip, view, mode);
+    }
+}
+
+CObjShape* CadLayer::Search(DevicePoint point, bool snap, bool wantShape, int16_t action, CadView& view)
+{
+    if (!(action & LayerActions::Show)) return nullptr;
+    if (!(action & LayerActions::Find)) return nullptr;
+    for (size_t i = Shapes.size(); i-- > 0;) {
+        CObjShape* shape = Shapes[i].get();
+        if (view.MouseActive && shape->selected) continue;
+        int32_t hit = shape->HitTest(point, view);
+        if (!hit) continue;
+        CadLayer* members = shape->GroupList();
+        if (snap) {
+            CObjShape* target = members ? view.Buf.FindShape(hit) : shape;
+            if (target) {
+                int32_t handle = target->HandleFromPoint(point, view);
+                WorldPoint at = target->GetHandlePoint(handle, view.World);
+                view.World.MoveCursorTo(at, point, view.World.CursorScreenPos, view.Window);
+            }
+            return shape;
+        }
+        if (!members || members->Action == LayerActions::Show) return wantShape ? shape : nullptr;
+        // Find reaches through a group to the member under the point.
+        return members->Search(point, snap, wantShape, members->Action, view);
+    }
+    return nullptr;
+}
+
+} // namespace bvx

@@ -1,0 +1,291 @@
+#include "CadView.h"
+
+#include "buffer/Rounding.h"
+#include "shapes/CEllipseShape.h"
+#include "shapes/CRectShape.h"
+
+namespace bvx {
+
+namespace {
+constexpr int32_t kShapeMargin = 4;
+constexpr int32_t kSnapMarkerMargin = 9;
+constexpr int32_t kCaretSize = 6;
+constexpr int16_t kPolyToolsFirst = 5;
+constexpr int16_t kPolyToolsLast = 10;
+} // namespace
+
+CadView::CadView(HostWindow* window, EventSink* sink) : Owner(sink), Window(window)
+{
+    if (window) {
+        World.ScreenDpiX = World.OutputDpiX = window->ScreenDpiX();
+        World.ScreenDpiY = World.OutputDpiY = window->ScreenDpiY();
+    }
+}
+
+CadView::~CadView() = default;
+
+void CadView::InvalidateWindow(const DeviceRect* rect, bool erase)
+{
+    if (Window) Window->InvalidateRect(rect, erase);
+}
+
+void CadView::Redraw(int32_t mode)
+{
+    if (!Window) return;
+    switch (mode) {
+    case 0:
+        RebuildBackBuffer = 1;
+        NeedRepaint = 1;
+        InvalidateWindow(nullptr, true);
+        break;
+    case 2:
+        for (size_t i = 0; i < Buf.Selection.size(); ++i) InvalidateShape(Buf.Selection[i], true);
+        break;
+    case 4:
+        while (!Buf.Selection.empty())
+            if (!DeleteShape(Buf.Selection.front(), true)) Buf.Deselect(Buf.Selection.front());
+        NeedRepaint = 1;
+        InvalidateWindow(nullptr, true);
+        break;
+    default:
+        break;
+    }
+}
+
+void CadView::InvalidateShape(const CObjShape* shape, bool commit)
+{
+    if (shape)
+        DirtyRect = DirtyRect.United(InflatedRect(OrderedRect(shape->BoundsAsRect()), kShapeMargin, kShapeMargin));
+    else
+        DirtyRect = World.ClientRect;
+    if (commit) {
+        NeedRepaint = 1;
+        InvalidateWindow(&DirtyRect, true);
+    } else {
+        InvalidateWindow(nullptr, true);
+    }
+}
+
+void CadView::InvalidateSnapMarker()
+{
+    DevicePoint p = World.WorldToDevice(Buf.SnapPoint);
+    DeviceRect marker{p.x, p.y, p.x, p.y};
+    marker = InflatedRect(marker, kSnapMarkerMargin, kSnapMarkerMargin);
+    DirtyRect = DirtyRect.United(marker);
+    NeedRepaint = 1;
+    InvalidateWindow(&marker, true);
+}
+
+void CadView::CancelMouse()
+{
+    if (!DrawInProgress) return;
+    DrawAbort = 1;
+    if (Tools) Tools->ResetForCancel(CurrentTool);
+    if (Buf.SnapMarkerUp) {
+        InvalidateSnapMarker();
+        Buf.SnapMarkerUp = 0;
+    }
+    if (Window) Window->ReleaseCapture();
+    MouseActive = 0;
+    DrawInProgress = 0;
+    Buf.FocusPoint = -1;
+    if (Buf.Selection.empty()) return;
+    CObjShape* first = Buf.Selection.front();
+    // The shape under construction goes with the cancel.
+    if (first->number == -1)
+        Buf.Deselect(first);
+    else
+        DeleteShape(first, true);
+}
+
+void CadView::SetMouseTool(int16_t tool)
+{
+    if ((tool < 1 || tool > 20) && Buf.SnapMarkerUp) {
+        InvalidateSnapMarker();
+        Buf.SnapMarkerUp = 0;
+    }
+    CurrentTool = tool;
+}
+
+bool CadView::DeleteShape(CObjShape* shape, bool fireEvent)
+{
+    if (!shape) return false;
+    InvalidateShape(shape, false);
+    if (shape->selected) Buf.Deselect(shape);
+    if (CadLayer* members = shape->GroupList())
+        while (!members->Shapes.empty())
+            if (!DeleteShape(members->Shapes.back().get(), true)) break;
+    std::unique_ptr<CObjShape> owned;
+    if (shape->group == -1) {
+        owned = Buf.DetachShape(shape);
+    } else if (CObjShape* group = Buf.FindShape(shape->group); group && group->GroupList()) {
+        owned = group->GroupList()->Take(shape);
+    }
+    // A shape nobody held cannot be given up; it stays where it is.
+    if (!owned) return false;
+    Buf.ForgetShape(shape);
+    InvalidateShape(shape, true);
+    int32_t number = shape->number;
+    owned.reset();
+    if (fireEvent) FireShapeNumberDeleted(number);
+    return true;
+}
+
+void CadView::ShowTextCaret(bool on)
+{
+    if (on && Buf.ShowTracker) {
+        if (CaretOn) return;
+        CaretOn = 1;
+        if (Window) {
+            Window->CreateCaret(kCaretSize, kCaretSize);
+            Window->SetCaretPos({CaretX, CaretY});
+            Window->ShowCaret();
+        }
+        return;
+    }
+    if (!CaretOn) return;
+    CaretOn = 0;
+    if (Window) {
+        Window->HideCaret();
+        Window->DestroyCaret();
+    }
+}
+
+const ShapeAttr& CadView::EffectiveAttr(const CObjShape& shape) const
+{
+    static const ShapeAttr fallback = ShapeAttr::Default();
+    const CObjShape* s = &shape;
+    // A group chain is finite, but a damaged one must not spin.
+    for (size_t depth = 0; s && depth <= Buf.ShapeMap.size() + 1; ++depth) {
+        if (s->number == -1) return Buf.CurrentLayer && Buf.CurrentLayer->Attr ? *Buf.CurrentLayer->Attr : fallback;
+        if (s->attr) return *s->attr;
+        if (s->group < 0) {
+            const CadLayer* layer = Buf.Layer(s->layer);
+            return layer && layer->Attr ? *layer->Attr : fallback;
+        }
+        s = Buf.FindShape(s->group);
+    }
+    return fallback;
+}
+
+void CadView::ClearSelection(CObjShape* shape)
+{
+    if (shape) {
+        InvalidateShape(shape, true);
+        Buf.Deselect(shape);
+    } else {
+        Redraw(2);
+        Buf.Deselect(nullptr);
+    }
+}
+
+CObjShape* CadView::CreateShape(int16_t type, int32_t layerNumber)
+{
+    CadLayer* layer = Buf.Layer(layerNumber);
+    if (!layer) return nullptr;
+    int16_t search = layer->GetSearchMethod(type);
+    std::unique_ptr<CObjShape> shape;
+    switch (type) {
+    case bvxRectangle:
+    case bvxRoundRectangle:
+    case bvx2PointEllipse:
+    case bvxLine: {
+        auto rect = std::make_unique<CRectShape>();
+        rect->SetShapeType(uint8_t(type), type == bvxLine ? 0 : search);
+        // A new rounded rectangle's corners take 16 pixels at today's scale.
+        if (type == bvxRoundRectangle) rect->radius = World.DeviceSizeToWorld({16, 16});
+        shape = std::move(rect);
+        break;
+    }
+    case bvxCircle:
+    case bvxEllipse: {
+        auto ellipse = std::make_unique<CEllipseShape>();
+        ellipse->SetShapeType(uint8_t(type), search);
+        shape = std::move(ellipse);
+        break;
+    }
+    default:
+        return nullptr;
+    }
+    return Buf.AddShape(std::move(shape), *this, layerNumber);
+}
+
+void CadView::FireWorldMouseDown(int16_t button, int16_t shift, int16_t action, double x, double y)
+{
+    if (Owner) Owner->WorldMouseDown(button, shift, action, x, y);
+}
+
+void CadView::FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle)
+{
+    if (!Owner) return;
+    // The only event whose values are rounded to the view's precisions.
+    Owner->WorldMouseMove(shift, RoundTo(x, World.WorldCoordPrecision), RoundTo(y, World.WorldCoordPrecision),
+                          RoundTo(magnitude, World.WorldCoordPrecision), RoundTo(angle, World.WorldAnglePrecision));
+}
+
+void CadView::FireWorldMouseUp(int16_t button, int16_t shift, double x, double y)
+{
+    if (Owner) Owner->WorldMouseUp(button, shift, x, y);
+}
+
+void CadView::FireWorldMouseSnap(int16_t action, double x, double y)
+{
+    if (Owner) Owner->WorldMouseSnap(action, x, y);
+}
+
+void CadView::FireWorldRectPos(double startX, double startY, double endX, double endY)
+{
+    if (Owner) Owner->WorldRectPos(startX, startY, endX, endY);
+}
+
+void CadView::FirePictureEntry(int32_t shapeNumber)
+{
+    if (Owner) Owner->PictureEntry(shapeNumber);
+}
+
+void CadView::FireDrawBegin(int16_t shapeType, double x, double y)
+{
+    if (Owner) Owner->DrawBegin(shapeType, x, y);
+}
+
+void CadView::FireDrawEnd(int16_t shapeType, double x, double y)
+{
+    if (Owner) Owner->DrawEnd(shapeType, x, y);
+}
+
+void CadView::FireFontOpened(int16_t fontHandle)
+{
+    if (Owner) Owner->FontOpened(fontHandle);
+}
+
+void CadView::FireShapeNumberAdded(int16_t shapeType, int32_t shapeNumber)
+{
+    if (Owner) Owner->ShapeNumberAdded(shapeType, shapeNumber);
+}
+
+void CadView::FireShapeNumberSelected(int16_t shapeType, int32_t shapeNumber)
+{
+    if (Owner) Owner->ShapeNumberSelected(shapeType, shapeNumber);
+}
+
+void CadView::FireDrawRadius(double x, double y)
+{
+    if (Owner) Owner->DrawRadius(x, y);
+}
+
+void CadView::FireShapeNumberDeleted(int32_t shapeNumber)
+{
+    if (Owner) Owner->ShapeNumberDeleted(shapeNumber);
+}
+
+void CadView::FireClick(double x, double y)
+{
+    if (Owner) Owner->Click(x, y);
+}
+
+void CadView::FireDblClick(double x, double y)
+{
+    if (Owner) Owner->DblClick(x, y);
+}
+
+} // namespace bvx

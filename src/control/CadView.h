@@ -1,0 +1,99 @@
+// The view: nearly all of the control's behaviour sits here, below any host.
+// It holds the colour table, the world mapping and the document, and the
+// mouse, caret and repaint state. With no window it runs headless: redraw
+// requests go nowhere; with no sink, events go nowhere.
+#pragma once
+
+#include "CadColorTable.h"
+#include "EventSink.h"
+#include "buffer/CadBuf.h"
+#include "buffer/CadWorld.h"
+#include "platform/HostWindow.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace bvx {
+
+class CadView : public CadColorTable {
+public:
+    explicit CadView(HostWindow* window = nullptr, EventSink* sink = nullptr);
+    ~CadView();
+    CadView(const CadView&) = delete;
+    CadView& operator=(const CadView&) = delete;
+
+    CadWorld World;
+    CadBuf Buf;
+
+    int16_t MouseActive = 0;
+    uint8_t CaretOn = 0;
+    int32_t CaretX = 0;
+    int32_t CaretY = 0;
+    EventSink* Owner = nullptr;
+    uint8_t ViewReady = 0;
+    uint8_t NeedRepaint = 1;
+    DeviceRect DirtyRect{};
+    uint8_t RebuildBackBuffer = 1;
+    BitmapHandle BackBitmap;
+    HostWindow* Window = nullptr;
+    uint32_t BackColorCopy = 0xFFFFFF;
+    int16_t CurrentTool = 0;
+    uint8_t ViewDrawOrthogonal = 0;
+    uint8_t ViewPersistMouseTool = 0;
+    uint8_t ViewKeyDelete = 1;
+    uint8_t ViewKeyCopy = 1;
+    uint8_t ViewKeySelect = 1;
+    double ReadoutDistance = 0;
+    double ReadoutAngle = 0;
+    int16_t HitTolerance = 3;
+    uint8_t DrawAbort = 0;
+    uint8_t DrawInProgress = 0;
+    uint8_t SkipNextClick = 0;
+    int16_t HiddenViewDialogType = 0;
+    int32_t HiddenViewDialogData = 0;
+
+    // Invalidation: the only ways pixels get changed.
+    void Redraw(int32_t mode);
+    void InvalidateShape(const CObjShape* shape, bool commit);
+    void InvalidateSnapMarker();
+
+    void CancelMouse();
+    void SetMouseTool(int16_t tool);
+    bool DeleteShape(CObjShape* shape, bool fireEvent);
+    void ShowTextCaret(bool on);
+    const ShapeAttr& EffectiveAttr(const CObjShape& shape) const;
+    void ClearSelection(CObjShape* shape);
+
+    // Makes an empty shape of a type in a layer, the way the tools and the
+    // members do without a mouse; null for a type no class draws.
+    CObjShape* CreateShape(int16_t type, int32_t layerNumber);
+
+    // Tools hook in here: the mouse state they keep is reset on a cancel.
+    struct ToolStateHooks {
+        virtual ~ToolStateHooks() = default;
+        virtual void ResetForCancel(int16_t currentTool) = 0;
+    };
+    ToolStateHooks* Tools = nullptr;
+
+    // The events; each does nothing without a sink.
+    void FireWorldMouseDown(int16_t button, int16_t shift, int16_t action, double x, double y);
+    void FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle);
+    void FireWorldMouseUp(int16_t button, int16_t shift, double x, double y);
+    void FireWorldMouseSnap(int16_t action, double x, double y);
+    void FireWorldRectPos(double startX, double startY, double endX, double endY);
+    void FirePictureEntry(int32_t shapeNumber);
+    void FireDrawBegin(int16_t shapeType, double x, double y);
+    void FireDrawEnd(int16_t shapeType, double x, double y);
+    void FireFontOpened(int16_t fontHandle);
+    void FireShapeNumberAdded(int16_t shapeType, int32_t shapeNumber);
+    void FireShapeNumberSelected(int16_t shapeType, int32_t shapeNumber);
+    void FireDrawRadius(double x, double y);
+    void FireShapeNumberDeleted(int32_t shapeNumber);
+    void FireClick(double x, double y);
+    void FireDblClick(double x, double y);
+
+private:
+    void InvalidateWindow(const DeviceRect* rect, bool erase);
+};
+
+} // namespace bvx

@@ -1,0 +1,254 @@
+#include "DibFormat.h"
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cstring>
+
+namespace bvx {
+
+DibInfoHeader LoadDibInfoHeader(const uint8_t* bytes)
+{
+    DibInfoHeader h;
+    h.size = LoadLe32(bytes);
+    h.width = int32_t(LoadLe32(bytes + 4));
+    h.height = int32_t(LoadLe32(bytes + 8));
+    h.planes = LoadLe16(bytes + 12);
+    h.bitCount = LoadLe16(bytes + 14);
+    h.compression = LoadLe32(bytes + 16);
+    h.sizeImage = LoadLe32(bytes + 20);
+    h.xPelsPerMeter = int32_t(LoadLe32(bytes + 24));
+    h.yPelsPerMeter = int32_t(LoadLe32(bytes + 28));
+    h.clrUsed = LoadLe32(bytes + 32);
+    h.clrImportant = LoadLe32(bytes + 36);
+    return h;
+}
+
+void StoreDibInfoHeader(const DibInfoHeader& h, uint8_t* bytes)
+{
+    StoreLe32(bytes, h.size);
+    StoreLe32(bytes + 4, uint32_t(h.width));
+    StoreLe32(bytes + 8, uint32_t(h.height));
+    StoreLe16(bytes + 12, h.planes);
+    StoreLe16(bytes + 14, h.bitCount);
+    StoreLe32(bytes + 16, h.compression);
+    StoreLe32(bytes + 20, h.sizeImage);
+    StoreLe32(bytes + 24, uint32_t(h.xPelsPerMeter));
+    StoreLe32(bytes + 28, uint32_t(h.yPelsPerMeter));
+    StoreLe32(bytes + 32, h.clrUsed);
+    StoreLe32(bytes + 36, h.clrImportant);
+}
+
+namespace {
+
+bool FormatIsValid(uint16_t bitCount, DibCompression compression, bool topDown)
+{
+    switch (compression) {
+    case DibCompression::Rgb:
+        return bitCount == 1 || bitCount == 4 || bitCount == 8 || bitCount == 16 || bitCount == 24 || bitCount == 32;
+    case DibCompression::Bitfields:
+        return bitCount == 16 || bitCount == 32;
+    case DibCompression::Rle8:
+        return bitCount == 8 && !topDown;
+    case DibCompression::Rle4:
+        return bitCount == 4 && !topDown;
+    }
+    return false;
+}
+
+void SetDefaultMasks(DibView& view)
+{
+    if (view.bitCount == 16) view.masks = {0x7C00, 0x03E0, 0x001F};
+    else view.masks = {0xFF0000, 0x00FF00, 0x0000FF};
+}
+
+} // namespace
+
+std::optional<DibView> ParseDib(std::span<const uint8_t> packed)
+{
+    const size_t size = packed.size();
+    if (size < 4) return std::nullopt;
+    const uint8_t* p = packed.data();
+    const uint32_t headerSize = LoadLe32(p);
+
+    DibView view;
+    uint32_t tableEntries = 0;
+    size_t entrySize = 4;
+    size_t tableOffset = headerSize;
+    int64_t height = 0;
+    uint32_t sizeImage = 0;
+
+    if (headerSize == kDibCoreHeaderSize) {
+        if (size < kDibCoreHeaderSize) return std::nullopt;
+        view.coreHeader = true;
+        view.width = LoadLe16(p + 4);
+        height = LoadLe16(p + 6);
+        view.bitCount = LoadLe16(p + 10);
+        entrySize = 3;
+        if (view.bitCount <= 8) tableEntries = 1u << view.bitCount;
+    } else {
+        if (headerSize < kDibInfoHeaderSize || headerSize > size) return std::nullopt;
+        const DibInfoHeader h = LoadDibInfoHeader(p);
+        view.width = h.width;
+        height = h.height;
+        view.bitCount = h.bitCount;
+        if (h.compression > uint32_t(DibCompression::Bitfields)) return std::nullopt;
+        view.compression = DibCompression(h.compression);
+        sizeImage = h.sizeImage;
+        if (h.clrUsed != 0) tableEntries = std::min<uint32_t>(h.clrUsed, 256);
+        else if (h.bitCount <= 8) tableEntries = 1u << h.bitCount;
+        if (view.compression == DibCompression::Bitfields) {
+            // The masks sit right after the 40-byte part in every long form.
+            constexpr size_t masksEnd = kDibInfoHeaderSize + 12;
+            if (size < masksEnd) return std::nullopt;
+            for (size_t i = 0; i < 3; ++i) view.masks[i] = LoadLe32(p + kDibInfoHeaderSize + 4 * i);
+            if (view.masks[0] == 0 || view.masks[1] == 0 || view.masks[2] == 0) return std::nullopt;
+            tableOffset = std::max<size_t>(headerSize, masksEnd);
+        }
+    }
+
+    if (view.width <= 0 || height == 0 || height == INT32_MIN) return std::nullopt;
+    view.topDown = height < 0;
+    view.height = int32_t(height < 0 ? -height : height);
+    if (!FormatIsValid(view.bitCount, view.compression, view.topDown)) return std::nullopt;
+    if (view.compression == DibCompression::Rgb && view.bitCount > 8) SetDefaultMasks(view);
+
+    const uint64_t bitsOffset = uint64_t(tableOffset) + uint64_t(tableEntries) * entrySize;
+    if (bitsOffset > size) return std::nullopt;
+    if (view.bitCount <= 8) {
+        view.colorCount = std::min<uint32_t>(tableEntries, 1u << view.bitCount);
+        for (uint32_t i = 0; i < view.colorCount; ++i) {
+            const uint8_t* e = p + tableOffset + i * entrySize;
+            view.colors[i] = MakeRgb(e[2], e[1], e[0]);
+        }
+    }
+
+    const size_t available = size - size_t(bitsOffset);
+    const uint64_t stride = DibStride(uint64_t(view.width), view.bitCount);
+    if (view.compression == DibCompression::Rle4 || view.compression == DibCompression::Rle8) {
+        view.bits = packed.subspan(size_t(bitsOffset), std::min<size_t>(available, sizeImage));
+    } else {
+        const uint64_t imageBytes = stride * uint64_t(view.height);
+        if (imageBytes > available) return std::nullopt;
+        view.bits = packed.subspan(size_t(bitsOffset), size_t(imageBytes));
+    }
+    view.stride = size_t(stride); // fits: uncompressed rows lie in the block, coded ones are at most 8 bits deep
+    return view;
+}
+
+namespace {
+
+// Walks a run-length stream, handing each run to the window clipped to it.
+class RleDecoder {
+public:
+    RleDecoder(const DibView& view, const RleWindow& window) : view_(view), window_(window) {}
+
+    RleOutcome Run()
+    {
+        const std::span<const uint8_t> data = view_.bits;
+        const size_t n = data.size();
+        size_t i = 0;
+        while (i + 1 < n) {
+            const uint8_t count = data[i];
+            const uint8_t value = data[i + 1];
+            i += 2;
+            if (count != 0) {
+                if (!RowIsInside()) return RleOutcome::OutsideImage;
+                Encoded(count, value);
+                continue;
+            }
+            switch (value) {
+            case 0: // end of line
+                x_ = 0;
+                if (++y_ >= view_.height) return Finish(RleOutcome::Complete);
+                break;
+            case 1: // end of bitmap
+                return Finish(RleOutcome::Complete);
+            case 2: // delta
+                if (i + 1 >= n) return Finish(RleOutcome::Unterminated);
+                x_ += data[i];
+                y_ += data[i + 1];
+                i += 2;
+                if (x_ > view_.width) {
+                    outside_ = true;
+                    x_ = view_.width;
+                }
+                if (y_ >= view_.height) return RleOutcome::OutsideImage;
+                break;
+            default: { // absolute run of `value` pixels
+                const size_t bytes = (size_t(value) * view_.bitCount + 7) / 8;
+                if (bytes > n - i) return Finish(RleOutcome::Unterminated);
+                if (!RowIsInside()) return RleOutcome::OutsideImage;
+                Literal(value, data.data() + i);
+                i += bytes + (bytes & 1); // runs keep 16-bit alignment
+                break;
+            }
+            }
+        }
+        return Finish(RleOutcome::Unterminated);
+    }
+
+private:
+    RleOutcome Finish(RleOutcome outcome) const { return outside_ ? RleOutcome::OutsideImage : outcome; }
+    bool RowIsInside() const { return y_ < view_.height; }
+
+    // Clips the run [x_, x_ + count) to the image and the window: the run
+    // offsets [first, last) are kept, and the returned pointer is where
+    // offset `first` lands, or null if nothing does.
+    uint8_t* Clip(int32_t count, int32_t& first, int32_t& last)
+    {
+        if (x_ + count > view_.width) outside_ = true;
+        const int64_t row = int64_t(view_.height) - 1 - y_ - window_.top;
+        first = int32_t(std::clamp<int64_t>(window_.left - x_, 0, count));
+        last = int32_t(std::clamp<int64_t>(std::min<int64_t>(view_.width, int64_t(window_.left) + window_.width) - x_, 0, count));
+        if (window_.indices == nullptr || row < 0 || row >= window_.height || first >= last) return nullptr;
+        const size_t offset = size_t(row) * size_t(window_.width) + size_t(x_ + first - window_.left);
+        std::memset(window_.written + offset, 1, size_t(last - first));
+        return window_.indices + offset;
+    }
+
+    void Advance(int32_t count) { x_ = std::min<int64_t>(x_ + count, view_.width); }
+
+    void Encoded(int32_t count, uint8_t value)
+    {
+        int32_t first = 0, last = 0;
+        if (uint8_t* out = Clip(count, first, last)) {
+            if (view_.bitCount == 8) {
+                std::memset(out, value, size_t(last - first));
+            } else {
+                const uint8_t nibbles[2] = {uint8_t(value >> 4), uint8_t(value & 15)};
+                for (int32_t k = first; k < last; ++k) *out++ = nibbles[k & 1];
+            }
+        }
+        Advance(count);
+    }
+
+    void Literal(int32_t count, const uint8_t* source)
+    {
+        int32_t first = 0, last = 0;
+        if (uint8_t* out = Clip(count, first, last)) {
+            if (view_.bitCount == 8) {
+                std::memcpy(out, source + first, size_t(last - first));
+            } else {
+                for (int32_t k = first; k < last; ++k)
+                    *out++ = uint8_t((k & 1) ? source[k >> 1] & 15 : source[k >> 1] >> 4);
+            }
+        }
+        Advance(count);
+    }
+
+    const DibView& view_;
+    const RleWindow& window_;
+    int64_t x_ = 0;
+    int64_t y_ = 0; // rows counted from the bottom
+    bool outside_ = false;
+};
+
+} // namespace
+
+RleOutcome DecodeDibRle(const DibView& view, const RleWindow& window)
+{
+    return RleDecoder(view, window).Run();
+}
+
+} // namespace bvx

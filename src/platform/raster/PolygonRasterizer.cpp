@@ -1,0 +1,57 @@
+#include "PolygonRasterizer.h"
+
+namespace bvx::raster {
+
+namespace {
+using Int128 = __int128;
+Int128 FloorDiv(Int128 a, Int128 b)
+{
+    Int128 q = a / b;
+    if ((a % b != 0) && (a < 0)) --q;
+    return q;
+}
+} // namespace
+
+void PolygonRasterizer::BuildEdges(std::span<const Point64> points, std::span<const uint32_t> counts,
+                                   int64_t rowTop, int64_t rowBottom)
+{
+    edges_.clear();
+    size_t base = 0;
+    for (uint32_t count : counts) {
+        if (base + count > points.size()) break;
+        if (count >= 2) {
+            for (uint32_t i = 0; i < count; ++i) {
+                const Point64& prev = points[base + (i == 0 ? count - 1 : i - 1)];
+                const Point64& cur = points[base + i];
+                if (prev.y == cur.y) continue; // horizontal edges cross no row
+                const bool down = prev.y < cur.y;
+                const Point64& top = down ? prev : cur;
+                const Point64& bottom = down ? cur : prev;
+                if (bottom.y <= rowTop || top.y >= rowBottom) continue;
+                Edge e{};
+                e.yTop = top.y;
+                e.yBottom = bottom.y;
+                e.xTop = top.x;
+                e.dx = bottom.x - top.x;
+                e.dy = bottom.y - top.y;
+                e.dir = down ? 1 : -1;
+                edges_.push_back(e);
+            }
+        }
+        base += count;
+    }
+}
+
+void PolygonRasterizer::StartEdge(Edge& e, int64_t y)
+{
+    // x(y) = xTop + ceil(k * dx / dy) = xTop + floor((k * dx + dy - 1) / dy), k = y - yTop.
+    const Int128 num = Int128(y - e.yTop) * e.dx + e.dy - 1;
+    const Int128 q = FloorDiv(num, e.dy);
+    e.x = int64_t(e.xTop + q);
+    e.rem = int64_t(num - q * e.dy);
+    const Int128 sq = FloorDiv(e.dx, e.dy);
+    e.stepQ = int64_t(sq);
+    e.stepR = int64_t(Int128(e.dx) - sq * e.dy);
+}
+
+} // namespace bvx::raster

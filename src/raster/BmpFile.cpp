@@ -1,0 +1,105 @@
+#include "Dib.h"
+
+#include "platform/DibFormat.h"
+
+#include <limits>
+#include <new>
+#include <optional>
+
+namespace bvx {
+
+namespace {
+
+constexpr uint64_t kMaxFileSize = std::numeric_limits<uint32_t>::max();
+
+// What lies between the header and the image: the colour table, and the
+// channel masks of a bit-field DIB.
+uint64_t TableBytes(const DibBlock& dib)
+{
+    const bool masks = LoadLe32(dib.bytes.data() + 16) == uint32_t(DibCompression::Bitfields);
+    return DibPaletteSize(dib) + (masks ? 12 : 0);
+}
+
+// The bytes of the block a .bmp holds: header, colour table, image.
+std::optional<uint64_t> PrepareForWriting(DibBlock& dib)
+{
+    if (dib.bytes.size() < kDibInfoHeaderSize || LoadLe32(dib.bytes.data()) != kDibInfoHeaderSize)
+        return std::nullopt;
+    DibInfoHeader header = LoadDibInfoHeader(dib.bytes.data());
+    uint64_t imageSize = header.sizeImage;
+    if (header.compression != uint32_t(DibCompression::Rle8) && header.compression != uint32_t(DibCompression::Rle4)) {
+        if (header.width < 0) return std::nullopt;
+        const uint64_t rows = uint64_t(header.height < 0 ? -int64_t(header.height) : int64_t(header.height));
+        imageSize = DibStride(uint64_t(header.width), header.bitCount) * rows;
+        if (imageSize > kMaxFileSize) return std::nullopt;
+        header.sizeImage = uint32_t(imageSize);
+        StoreDibInfoHeader(header, dib.bytes.data());
+    }
+    const uint64_t total = kDibInfoHeaderSize + TableBytes(dib) + imageSize;
+    if (total > dib.bytes.size() || total + kBmpFileHeaderSize > kMaxFileSize) return std::nullopt;
+    return total;
+}
+
+bool WriteBmp(DibBlock& dib, ByteSink& sink, bool withLength)
+{
+    const std::optional<uint64_t> length = PrepareForWriting(dib);
+    if (!length) return false;
+    const uint32_t fileSize = uint32_t(*length + kBmpFileHeaderSize);
+    const uint32_t bitsOffset = uint32_t(kBmpFileHeaderSize + kDibInfoHeaderSize + TableBytes(dib));
+    uint8_t fileHeader[kBmpFileHeaderSize] = {};
+    StoreLe16(fileHeader, kBmpSignature);
+    StoreLe32(fileHeader + 2, fileSize);
+    StoreLe32(fileHeader + 10, bitsOffset);
+    if (withLength && !sink.WriteLe(fileSize)) return false;
+    return sink.Write(fileHeader, sizeof fileHeader) && sink.Write(dib.bytes.data(), size_t(*length));
+}
+
+// The header, colour table and image agree with each other and with the
+// block, in the reading of both the accessors and the painter.
+bool IsSoundDib(const DibBlock& dib)
+{
+    const std::optional<DibView> view = ParseDib(dib.bytes);
+    if (!view) return false;
+    const uint32_t headerSize = LoadLe32(dib.bytes.data());
+    if (headerSize != kDibInfoHeaderSize && headerSize != kDibCoreHeaderSize) return false;
+    if (headerSize == kDibCoreHeaderSize) return true;
+    const DibInfoHeader header = LoadDibInfoHeader(dib.bytes.data());
+    if (header.clrUsed > 256) return false;
+    if (view->compression != DibCompression::Rle4 && view->compression != DibCompression::Rle8) return true;
+    return view->bits.size() == header.sizeImage && DecodeDibRle(*view, RleWindow{}) == RleOutcome::Complete;
+}
+
+} // namespace
+
+bool DibWriteBmp(DibBlock& dib, ByteSink& sink) { return WriteBmp(dib, sink, false); }
+
+bool DibWriteBlock(DibBlock& dib, ByteSink& sink) { return WriteBmp(dib, sink, true); }
+
+DibPtr DibReadBlock(ByteSource& source, bool sized)
+{
+    uint64_t size = source.Size();
+    if (sized) {
+        uint32_t declared = 0;
+        if (!source.ReadLe(declared)) return nullptr;
+        size = declared;
+    }
+    uint8_t fileHeader[kBmpFileHeaderSize];
+    if (size < kBmpFileHeaderSize || !source.ReadExact(fileHeader, sizeof fileHeader) ||
+        LoadLe16(fileHeader) != kBmpSignature)
+        return nullptr;
+    // A length beyond what the source holds would only end in a short read.
+    const uint64_t rest = size - kBmpFileHeaderSize;
+    const uint64_t position = source.Position(), available = source.Size();
+    if (rest < kDibCoreHeaderSize || position > available || rest > available - position || rest > std::numeric_limits<size_t>::max())
+        return nullptr;
+    try {
+        auto dib = std::make_unique<DibBlock>();
+        dib->bytes.resize(size_t(rest));
+        if (!source.ReadExact(dib->bytes.data(), dib->bytes.size()) || !IsSoundDib(*dib)) return nullptr;
+        return dib;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+} // namespace bvx

@@ -1,0 +1,226 @@
+#include "CObjShape.h"
+
+#include "buffer/CadWorld.h"
+#include "buffer/Rounding.h"
+#include "control/CadView.h"
+#include "platform/DeviceContext.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace bvx {
+
+namespace {
+constexpr double kTiny = 1e-7;
+constexpr double kTwoPi = 2 * std::numbers::pi;
+constexpr double kFullTurnLimit = 6.2831854071795865;
+constexpr double kRadiansToDegrees = 57.29577951308232;
+constexpr int32_t kHandleHalf = 3;
+
+// Pointer roles of the tracker handles: corners, top and bottom, left and right.
+constexpr int16_t kRoleCorner = 2;
+constexpr int16_t kRoleVertical = 3;
+constexpr int16_t kRoleHorizontal = 4;
+constexpr int16_t kRoleOther = 7;
+} // namespace
+
+WorldPoint CObjShape::GetHandlePoint(int32_t, const CadWorld&) const { return {}; }
+
+int16_t CObjShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const
+{
+    int16_t role = kRoleOther;
+    if (handle == 1 || handle == 3 || handle == 5 || handle == 7 || handle == 55)
+        role = kRoleCorner;
+    else if (handle == 2 || handle == 6)
+        role = kRoleVertical;
+    else if (handle == 4 || handle == 8)
+        role = kRoleHorizontal;
+    return size_t(role) < pointers.size() ? pointers[size_t(role)] : role;
+}
+
+WorldPoint CObjShape::GetPoint(int16_t, const CadView&) const { return {}; }
+int16_t CObjShape::GetPointKind(int16_t) const { return 1; }
+int16_t CObjShape::HandleToPoint(int32_t) const { return -1; }
+bool CObjShape::SetPoint(int16_t, double, double, CadView*) { return false; }
+void CObjShape::Transform(const Matrix3&, CadView&) {}
+void CObjShape::Move(const WorldPoint&, CadView&) {}
+void CObjShape::MoveHandle(int32_t, WorldPoint, CadView&) {}
+void CObjShape::UpdateBounds(const CadWorld&) {}
+WorldRect CObjShape::GetWorldBounds(const CadWorld&) const { return {}; }
+bool CObjShape::ConvertTo(int16_t, CObjShape*, int16_t, double, CadView*) const { return false; }
+void CObjShape::Draw(DeviceContext&, const DeviceRect&, CadView&, int32_t) {}
+int32_t CObjShape::HitTest(DevicePoint, CadView&) { return 0; }
+int32_t CObjShape::HandleFromPoint(DevicePoint, CadView&) const { return 0; }
+int16_t CObjShape::NearestPoint(DevicePoint, CadView&) const { return -1; }
+
+DeviceRect CObjShape::HandleBox(int32_t handle, const CadWorld& world) const
+{
+    DevicePoint d = world.WorldToDevice(GetHandlePoint(handle, world));
+    return {WrapToInt32(double(d.x) - kHandleHalf), WrapToInt32(double(d.y) - kHandleHalf),
+            WrapToInt32(double(d.x) + kHandleHalf), WrapToInt32(double(d.y) + kHandleHalf)};
+}
+
+void CObjShape::DrawHandles(DeviceContext& dc, uint32_t rop, CadView& view)
+{
+    if (!view.Buf.ShowTracker) return;
+    for (int32_t h = 1; h <= GetHandleCount(); ++h) {
+        DeviceRect box = HandleBox(h, view.World);
+        int32_t w = int32_t(box.Width()), height = int32_t(box.Height());
+        dc.PatBlt(box.left, box.top, w, height, RasterOp::Blackness);
+        dc.PatBlt(box.left + 1, box.top + 1, w - 2, height - 2, rop);
+    }
+}
+
+int32_t CObjShape::HitHandle(DevicePoint p, int32_t trackerMode, const CadWorld& world) const
+{
+    if (trackerMode == 0) {
+        // The y test reads bounds in the y-up sense; kept as it always was.
+        return p.x >= bounds.left && p.x < bounds.right && p.y <= bounds.top && p.y > bounds.bottom ? 1 : 0;
+    }
+    if (!PtInRect(InflatedRect(BoundsAsRect(), kHandleHalf, kHandleHalf), p)) return 0;
+    for (int32_t h = 1; h <= GetHandleCount(); ++h) {
+        if (!PtInRect(HandleBox(h, world), p)) continue;
+        int16_t type = GetShapeType();
+        // An arc's first handle carries the whole shape.
+        return h == 1 && (type == bvxArc || type == bvxPieSlice || type == bvxChord) ? 9 : h;
+    }
+    return 0;
+}
+
+bool CObjShape::IntersectsRect(const DeviceRect& rect, const CadView&) const
+{
+    return !BoundsAsRect().Intersected(rect).IsEmpty();
+}
+
+std::unique_ptr<CObjShape> CObjShape::Clone(int16_t withAttr) const
+{
+    auto copy = std::make_unique<CObjShape>();
+    CopyBaseTo(*copy);
+    CopyAttrIf(*this, *copy, withAttr);
+    return copy;
+}
+
+void CObjShape::SetShapeType(uint8_t typeByte, int16_t method)
+{
+    typeFlags = typeByte;
+    SetSearchMethod(method);
+}
+
+void CObjShape::SetSearchMethod(int16_t method)
+{
+    typeFlags = method == 1 ? uint8_t((typeFlags & 63) | 128) : uint8_t(typeFlags % 64);
+}
+
+void CObjShape::StoreBounds(const DeviceRect& rect)
+{
+    DeviceRect r = OrderedRect(rect);
+    bounds = {int16_t(r.left), int16_t(r.top), int16_t(r.right), int16_t(r.bottom)};
+    if (bounds.left == bounds.right) bounds.right = int16_t(bounds.left + 1);
+    if (bounds.top == bounds.bottom) bounds.bottom = int16_t(bounds.top + 1);
+}
+
+void CObjShape::CopyBaseTo(CObjShape& target) const
+{
+    target.typeFlags = typeFlags;
+    target.notes = notes;
+    target.bounds = bounds;
+    target.layer = layer;
+    target.number = -1;
+    target.group = -1;
+    target.attr.reset();
+}
+
+void CObjShape::CopyAttrIf(const CObjShape& from, CObjShape& to, int16_t withAttr)
+{
+    if (withAttr == 1 && from.attr) to.attr = std::make_unique<ShapeAttr>(*from.attr);
+}
+
+void ApplyMatrix(const Matrix3& matrix, WorldPoint& point) { point = matrix.Apply(point); }
+
+double Distance(const WorldPoint& p, const WorldPoint& q)
+{
+    double dx = q.x - p.x, dy = q.y - p.y;
+    return std::sqrt(dx * dx + dy * dy);
+}
+
+double WorldAngle(const CadWorld& world, const WorldPoint& from, const WorldPoint& to)
+{
+    double a = std::atan2(to.y - from.y, to.x - from.x);
+    if (world.SignX == -1) {
+        a = std::numbers::pi - a;
+        if (a > kTwoPi) a -= kTwoPi;
+    } else if (a < 0) {
+        a = a + std::numbers::pi + std::numbers::pi;
+    }
+    if (world.SignY == 1) {
+        a = -a;
+        if (a < 0) a += kTwoPi;
+    }
+    if (a <= kTiny || a >= kFullTurnLimit) return 0;
+    return a;
+}
+
+bool IsOnAxis(const WorldPoint& p, const WorldPoint& q)
+{
+    double dx = p.x - q.x, dy = p.y - q.y;
+    if (std::fabs(dx) <= kTiny || std::fabs(dy) <= kTiny) return true;
+    return std::fabs(1 - std::fabs(dy / dx)) <= kTiny;
+}
+
+double AngleReadout(const CadWorld& world, double radians, const WorldPoint& p, const WorldPoint& q)
+{
+    if (world.AngleMode != 1) return radians;
+    double degrees = radians * kRadiansToDegrees;
+    return IsOnAxis(p, q) ? std::floor(degrees) : degrees;
+}
+
+bool HitSegment(DevicePoint a, DevicePoint b, DevicePoint point, int32_t mode)
+{
+    // Wide arithmetic throughout: device points may lie anywhere in 32 bits.
+    if (a.x > b.x) std::swap(a, b);
+    const int64_t px = point.x, py = point.y;
+    const int64_t lo = std::min(a.y, b.y), hi = std::max(a.y, b.y);
+    const int64_t dx = int64_t(b.x) - a.x, dy = hi - lo;
+    auto mulDiv = [](int64_t x, int64_t y, int64_t z) {
+        return MulDiv(int32_t(std::clamp<int64_t>(x, INT32_MIN, INT32_MAX)),
+                      int32_t(std::clamp<int64_t>(y, INT32_MIN, INT32_MAX)),
+                      int32_t(std::clamp<int64_t>(z, INT32_MIN, INT32_MAX)));
+    };
+    auto crossing = [&] {
+        int64_t off = mulDiv(dx + 1, hi - py, dy + 1);
+        return a.y != hi ? b.x - off : a.x + off;
+    };
+    if (mode == 1) {
+        if (!(lo <= py && py <= hi - 1)) return false;
+        return px > crossing();
+    }
+    if (px < a.x - 3 || px > int64_t(b.x) + 3 || py < lo - 3 || py > hi + 3) return false;
+    if (dx == 0) return py >= lo && py <= hi;
+    if (dy == 0) return px >= a.x && px <= b.x && py >= lo - 3 && py <= hi + 3;
+    if (dy >= dx) {
+        int64_t xc = crossing();
+        if (xc < px - 3 || xc > px + 3) return false;
+        return py >= lo && py <= hi;
+    }
+    int64_t off = a.y >= b.y ? mulDiv(dy + 1, px - a.x + 1, dx + 1) : mulDiv(dy + 1, b.x - px, dx + 1);
+    if (hi - off < py - 3 || hi - off > py + 3) return false;
+    return px >= a.x && px <= b.x;
+}
+
+DeviceRect OrderedRect(DeviceRect r)
+{
+    if (r.left > r.right) std::swap(r.left, r.right);
+    if (r.top > r.bottom) std::swap(r.top, r.bottom);
+    return r;
+}
+
+DeviceRect InflatedRect(const DeviceRect& r, int32_t dx, int32_t dy)
+{
+    auto add = [](int32_t v, int32_t d) { return WrapToInt32(double(v) + d); };
+    return {add(r.left, -dx), add(r.top, -dy), add(r.right, dx), add(r.bottom, dy)};
+}
+
+bool PtInRect(const DeviceRect& r, DevicePoint p) { return r.Contains(p.x, p.y); }
+
+} // namespace bvx

@@ -1,0 +1,61 @@
+// The two-corner shape: rectangle, rounded rectangle, line and two-point
+// ellipse. The figure is always upright between its corners.
+#pragma once
+
+#include "CObjShape.h"
+
+namespace bvx {
+
+class CRectShape : public CObjShape {
+public:
+    CRectShape() = default;
+    // The tool's constructor: both corners at the press.
+    explicit CRectShape(const WorldPoint& start);
+
+    WorldPoint p1{};
+    WorldPoint p2{};
+    WorldPoint radius{};      // corner rounding of type 2, world units
+    int16_t lineType = -1;    // arrow heads of a line; -1 follows the layer
+
+    static void NormalizeCorners(WorldPoint& a, WorldPoint& b);
+    int16_t GetLineType() const { return GetShapeType() == bvxLine ? lineType : 0; }
+    void SetLineType(int32_t v);
+
+    int32_t GetHandleCount() const override;
+    WorldPoint GetHandlePoint(int32_t handle, const CadWorld& world) const override;
+    int16_t GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const override;
+    WorldPoint GetPoint(int16_t index, const CadView& view) const override;
+    int16_t GetPointCount() const override;
+    int16_t HandleToPoint(int32_t handle) const override;
+    bool SetPoint(int16_t index, double x, double y, CadView* view) override;
+    void Transform(const Matrix3& matrix, CadView& view) override;
+    double GetArea() const override;
+    void Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, int32_t mode) override;
+    void Move(const WorldPoint& delta, CadView& view) override;
+    int32_t HitTest(DevicePoint point, CadView& view) override;
+    void MoveHandle(int32_t handle, WorldPoint point, CadView& view) override;
+    std::unique_ptr<CObjShape> Clone(int16_t withAttr) const override;
+    int32_t HandleFromPoint(DevicePoint point, CadView& view) const override;
+    int16_t NearestPoint(DevicePoint point, CadView& view) const override;
+    void UpdateBounds(const CadWorld& world) override;
+    WorldRect GetWorldBounds(const CadWorld& world) const override;
+    bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, CadView* view) const override;
+
+private:
+    bool IsLine() const { return GetShapeType() == bvxLine; }
+    // A line's second handle is handle 5 of the other types.
+    int32_t CanonicalHandle(int32_t handle) const { return IsLine() && handle == 2 ? 5 : handle; }
+    void DrawArrowHeads(DeviceContext& dc, DevicePoint a, DevicePoint b, const CadView& view) const;
+};
+
+// Which handle a press on a shape's body takes, from where in the device
+// rectangle it lands: a three by three grid of quarters, turned with the
+// rectangle. The result is the grid sum 0 to 10 (columns 0-2, rows 0/4/8).
+int32_t HandleGridSum(DeviceRect corners, DevicePoint point);
+
+// Angles of device vectors in tenths of a degree, and integer rotation of
+// device points, as the arrow heads are drawn.
+int32_t AngleTenths(int32_t dx, int32_t dy);
+void RotateDevicePoints(std::span<DevicePoint> points, int32_t tenths, DevicePoint pivot);
+
+} // namespace bvx

@@ -1,0 +1,38 @@
+// Shape and tool numbers: the values of the interface's tool enumeration.
+#pragma once
+
+#include <cstdint>
+
+namespace bvx {
+
+enum bvxViewMouseToolVals : int16_t {
+    bvxNetZoom = -3,
+    bvxPan = -2,
+    bvxNetSelect = -1,
+    bvxSelect = 0,
+    bvxRectangle = 1,
+    bvxRoundRectangle = 2,
+    bvxLine = 3,
+    bvx2PointEllipse = 4,
+    bvxPolyline = 5,
+    bvxPolygon = 6,
+    bvxFreehand = 7,
+    bvxSpline = 8,
+    bvxClosedSpline = 9,
+    bvx3PointArc = 10,
+    bvxText = 11,
+    bvxPicture = 12,
+    bvxArc = 13,
+    bvxPieSlice = 14,
+    bvxChord = 15,
+    bvxPoint = 17,
+    bvxGroup = 18,
+    bvxCircle = 19,
+    bvxEllipse = 20,
+};
+
+// Search methods: where a press must land to find a shape.
+constexpr int16_t kSearchOnBorder = 0;
+constexpr int16_t kSearchInShape = 1;
+
+} // namespace bvx
