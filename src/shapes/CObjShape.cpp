@@ -179,33 +179,34 @@ bool HitSegment(DevicePoint a, DevicePoint b, DevicePoint point, int32_t mode)
 {
     // Wide arithmetic throughout: device points may lie anywhere in 32 bits.
     if (a.x > b.x) std::swap(a, b);
-    const int64_t px = point.x, py = point.y;
-    const int64_t lo = std::min(a.y, b.y), hi = std::max(a.y, b.y);
-    const int64_t dx = int64_t(b.x) - a.x, dy = hi - lo;
-    auto mulDiv = [](int64_t x, int64_t y, int64_t z) {
-        return MulDiv(int32_t(std::clamp<int64_t>(x, INT32_MIN, INT32_MAX)),
-                      int32_t(std::clamp<int64_t>(y, INT32_MIN, INT32_MAX)),
-                      int32_t(std::clamp<int64_t>(z, INT32_MIN, INT32_MAX)));
+    const int64_t px = point.x, py = point.y, ax = a.x, ay = a.y, bx = b.x, by = b.y;
+    const int64_t lo = std::min(ay, by), hi = std::max(ay, by);
+    const int64_t dx = bx - ax, dy = hi - lo;
+    // MulDiv's rounding on a wide product, so that no span of 32-bit ends overflows.
+    auto mulDiv = [](int64_t x, int64_t y, int64_t z) -> int64_t {
+        __int128 product = __int128(x) * y;
+        __int128 half = z / 2;
+        return int64_t(product >= 0 ? (product + half) / z : (product - half) / z);
     };
     auto crossing = [&] {
         int64_t off = mulDiv(dx + 1, hi - py, dy + 1);
-        return a.y != hi ? b.x - off : a.x + off;
+        return ay != hi ? bx - off : ax + off;
     };
     if (mode == 1) {
         if (!(lo <= py && py <= hi - 1)) return false;
         return px > crossing();
     }
-    if (px < a.x - 3 || px > int64_t(b.x) + 3 || py < lo - 3 || py > hi + 3) return false;
+    if (px < ax - 3 || px > bx + 3 || py < lo - 3 || py > hi + 3) return false;
     if (dx == 0) return py >= lo && py <= hi;
-    if (dy == 0) return px >= a.x && px <= b.x && py >= lo - 3 && py <= hi + 3;
+    if (dy == 0) return px >= ax && px <= bx && py >= lo - 3 && py <= hi + 3;
     if (dy >= dx) {
         int64_t xc = crossing();
         if (xc < px - 3 || xc > px + 3) return false;
         return py >= lo && py <= hi;
     }
-    int64_t off = a.y >= b.y ? mulDiv(dy + 1, px - a.x + 1, dx + 1) : mulDiv(dy + 1, b.x - px, dx + 1);
+    int64_t off = ay >= by ? mulDiv(dy + 1, px - ax + 1, dx + 1) : mulDiv(dy + 1, bx - px, dx + 1);
     if (hi - off < py - 3 || hi - off > py + 3) return false;
-    return px >= a.x && px <= b.x;
+    return px >= ax && px <= bx;
 }
 
 DeviceRect OrderedRect(DeviceRect r)

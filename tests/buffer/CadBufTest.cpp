@@ -1,0 +1,251 @@
+#include "control/ViewFixture.h"
+
+namespace bvx {
+namespace {
+
+using testing::ViewFixture;
+using Buf = ViewFixture;
+
+std::vector<int32_t> Numbers(const CadLayer& layer)
+{
+    std::vector<int32_t> n;
+    for (const auto& s : layer.Shapes) n.push_back(s->number);
+    return n;
+}
+
+TEST_F(Buf, NewDrawingHasTwoLayersAndNumbersFromOne)
+{
+    ASSERT_EQ(view.Buf.Layers.size(), 2u);
+    EXPECT_EQ(view.Buf.Layers[0]->Name, u"Buffer Layer");
+    EXPECT_EQ(view.Buf.Layers[1]->Name, u"Layer 1");
+    EXPECT_EQ(view.Buf.CurrentLayerNumber, 1);
+    EXPECT_EQ(view.Buf.CurrentLayer, view.Buf.Layers[1].get());
+    auto* first = AddRect(0, 0, 10, 10);
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->number, 1);
+    EXPECT_EQ(sink.events.back(), "ShapeNumberAdded 1 1");
+}
+
+TEST_F(Buf, NumbersAreNeverReused)
+{
+    for (int i = 0; i < 5; ++i) AddRect(i, i, i + 5, i + 5);
+    ASSERT_TRUE(view.DeleteShape(view.Buf.FindShape(5), true));
+    EXPECT_EQ(view.Buf.FindShape(5), nullptr);
+    EXPECT_EQ(sink.events.back(), "ShapeNumberDeleted 5");
+    EXPECT_EQ(AddRect(1, 1, 2, 2)->number, 6);
+    // Clearing one layer keeps the counter; clearing all resets it.
+    view.Buf.ClearLayer(1);
+    EXPECT_EQ(AddRect(1, 1, 2, 2)->number, 7);
+    view.Buf.ClearLayer(-1);
+    EXPECT_EQ(AddRect(1, 1, 2, 2)->number, 1);
+}
+
+TEST_F(Buf, LayersAddRemoveAndFind)
+{
+    int16_t x1 = view.Buf.AddLayer(u"X");
+    int16_t x2 = view.Buf.AddLayer(u"X");
+    EXPECT_EQ(x1, 2);
+    EXPECT_EQ(x2, 3);
+    // Adding makes the layer current by pointer but leaves the number.
+    EXPECT_EQ(view.Buf.CurrentLayer, view.Buf.Layers[3].get());
+    EXPECT_EQ(view.Buf.CurrentLayerNumber, 1);
+    EXPECT_EQ(view.Buf.FindLayerByName(u"X"), 2);
+    EXPECT_EQ(view.Buf.CurrentLayerNumber, 2);
+    EXPECT_EQ(view.Buf.FindLayerByName(u"x"), -1); // exact and case-sensitive
+
+    EXPECT_FALSE(view.Buf.RemoveLayer(0, view));
+    EXPECT_FALSE(view.Buf.RemoveLayer(9, view));
+    EXPECT_TRUE(view.Buf.RemoveLayer(3, view));
+    EXPECT_TRUE(view.Buf.RemoveLayer(2, view)); // the current one: the last becomes current
+    EXPECT_EQ(view.Buf.CurrentLayerNumber, 1);
+    EXPECT_TRUE(view.Buf.RemoveLayer(1, view));
+    EXPECT_EQ(view.Buf.CurrentLayerNumber, 0); // only the Buffer Layer is left
+    EXPECT_EQ(view.Buf.Layers.size(), 1u);
+}
+
+TEST_F(Buf, RemovingALayerForgetsItsShapesAndKeepsOthersReachable)
+{
+    view.Buf.AddLayer(u"Two");
+    view.Buf.AddLayer(u"Three");
+    auto* onTwo = AddRect(0, 0, 5, 5, 2);
+    auto* onThree = AddRect(0, 0, 5, 5, 3);
+    int32_t n3 = onThree->number;
+    view.Buf.Select(onTwo);
+    ASSERT_TRUE(view.Buf.RemoveLayer(2, view));
+    EXPECT_EQ(view.Buf.FindShape(1), nullptr);
+    EXPECT_TRUE(view.Buf.Selection.empty());
+    // The shape above keeps its old layer number, but stays reachable.
+    CObjShape* kept = view.Buf.FindShape(n3);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->layer, 3);
+    EXPECT_EQ(view.Buf.GetZOrder(kept), 0);
+    EXPECT_TRUE(view.DeleteShape(kept, true));
+}
+
+TEST_F(Buf, CopyLayerClonesShapesAndTakesTheSourceName)
+{
+    AddRect(0, 0, 5, 5);
+    AddEllipse(50, 50, 10, 5);
+    view.Buf.Layers[1]->SetSearchMethod(1, 1);
+    view.Buf.Layers[1]->SetSearchMethod(14, 1);
+    view.Buf.Layers[1]->SetLineType(2);
+    view.Buf.Layers[1]->SetAction(LayerActions::Show);
+    EXPECT_FALSE(view.Buf.CopyLayer(1, 1, true, view));
+    EXPECT_FALSE(view.Buf.CopyLayer(1, 5, false, view));
+    ASSERT_TRUE(view.Buf.CopyLayer(1, 7, true, view));
+    ASSERT_EQ(view.Buf.Layers.size(), 3u);
+    CadLayer& copy = *view.Buf.Layers[2];
+    EXPECT_EQ(copy.Name, u"Layer 1");
+    EXPECT_EQ(Numbers(copy), (std::vector<int32_t>{3, 4}));
+    EXPECT_EQ(copy.GetSearchMethod(1), 1);
+    EXPECT_EQ(copy.GetSearchMethod(14), 0); // 14, 15 and 19 are not copied
+    EXPECT_EQ(copy.LineType, 2);
+    EXPECT_EQ(copy.Action, LayerActions::All); // Action is not copied
+    EXPECT_EQ(copy.Shapes[0]->layer, 2);
+    // Copying onto an existing layer empties it first.
+    ASSERT_TRUE(view.Buf.CopyLayer(1, 2, false, view));
+    EXPECT_EQ(Numbers(*view.Buf.Layers[2]), (std::vector<int32_t>{5, 6}));
+    EXPECT_EQ(view.Buf.FindShape(3), nullptr);
+}
+
+TEST_F(Buf, ZOrderMovesWithinTheList)
+{
+    for (int i = 0; i < 5; ++i) AddRect(i, i, i + 5, i + 5);
+    CadLayer& layer = *view.Buf.Layers[1];
+    CObjShape* s2 = view.Buf.FindShape(2);
+    view.Buf.ToFront(s2);
+    EXPECT_EQ(view.Buf.GetZOrder(s2), 4);
+    view.Buf.ToBack(s2);
+    EXPECT_EQ(view.Buf.GetZOrder(s2), 0);
+    view.Buf.ZOrderJump(s2, 2);
+    EXPECT_EQ(Numbers(layer), (std::vector<int32_t>{1, 3, 2, 4, 5}));
+    view.Buf.ZOrderJump(s2, 100);
+    EXPECT_EQ(view.Buf.GetZOrder(s2), 4);
+    view.Buf.ZOrderJump(s2, -100);
+    EXPECT_EQ(view.Buf.GetZOrder(s2), 0);
+    view.Buf.SetZOrder(s2, 5); // equal to the count: nothing
+    EXPECT_EQ(view.Buf.GetZOrder(s2), 0);
+    view.Buf.SetZOrder(s2, 3);
+    EXPECT_EQ(Numbers(layer), (std::vector<int32_t>{1, 3, 4, 2, 5}));
+    EXPECT_EQ(view.Buf.GetZOrder(nullptr), -1);
+}
+
+TEST_F(Buf, SelectionRules)
+{
+    auto* a = AddRect(0, 0, 10, 10);
+    auto* b = AddRect(20, 20, 30, 30);
+    EXPECT_FALSE(view.Buf.Deselect(a)); // nothing selected
+    view.Buf.Select(a);
+    view.Buf.Select(b);
+    view.Buf.Select(a); // only the focus moves
+    EXPECT_EQ(view.Buf.Selection, (std::vector<CObjShape*>{a, b}));
+    EXPECT_EQ(view.Buf.FocusShape, a);
+    view.Buf.FocusPoint = 3;
+    EXPECT_TRUE(view.Buf.Deselect(a));
+    EXPECT_EQ(view.Buf.FocusShape, nullptr);
+    EXPECT_EQ(view.Buf.FocusPoint, -1);
+    EXPECT_EQ(a->selected, 0);
+    EXPECT_FALSE(view.Buf.Deselect(a));
+    EXPECT_TRUE(view.Buf.Deselect(nullptr));
+    EXPECT_EQ(b->selected, 0);
+    EXPECT_FALSE(view.Buf.Deselect(nullptr));
+}
+
+TEST_F(Buf, SelectInRectSkipsLayersWithoutFindButNotWithoutShow)
+{
+    view.Buf.AddLayer(u"Hidden");
+    view.Buf.AddLayer(u"Locked");
+    auto* shown = AddRect(10, 10, 20, 20, 1);
+    auto* hidden = AddRect(10, 10, 20, 20, 2);
+    auto* locked = AddRect(10, 10, 20, 20, 3);
+    view.Buf.Layers[2]->SetAction(LayerActions::Find);
+    view.Buf.Layers[3]->SetAction(LayerActions::Show);
+    sink.events.clear();
+    view.Buf.SelectInRect({0, 0, 101, 101}, false, view);
+    EXPECT_TRUE(shown->selected);
+    EXPECT_TRUE(hidden->selected);
+    EXPECT_FALSE(locked->selected);
+    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberSelected 1 1", "ShapeNumberSelected 1 2"}));
+}
+
+TEST_F(Buf, HitTestSearchesFromTheTopLayerAndHonoursShowAndFind)
+{
+    view.Buf.AddLayer(u"Top");
+    auto* below = AddRect(10, 10, 40, 40, 1);
+    auto* above = AddRect(10, 10, 40, 40, 2);
+    view.Buf.Layers[0]->Shapes.clear(); // nothing on the Buffer Layer is ever found
+    below->SetSearchMethod(kSearchInShape);
+    above->SetSearchMethod(kSearchInShape);
+    int16_t action = 0;
+    DevicePoint inside = Device(25, 25);
+    EXPECT_EQ(view.Buf.HitTest(inside, false, true, action, view), above);
+    EXPECT_EQ(action, LayerActions::All);
+    view.Buf.Layers[2]->SetAction(LayerActions::Find); // not shown: not found
+    EXPECT_EQ(view.Buf.HitTest(inside, false, true, action, view), below);
+    view.Buf.Layers[1]->SetAction(LayerActions::Show); // shown, not findable
+    EXPECT_EQ(view.Buf.HitTest(inside, false, true, action, view), nullptr);
+    EXPECT_EQ(view.Buf.HitTest(Device(80, 80), false, true, action, view), nullptr);
+}
+
+TEST_F(Buf, SnappingHitMovesThePointerToTheNearestHandle)
+{
+    auto* r = AddRect(10, 10, 40, 40);
+    r->SetSearchMethod(kSearchInShape);
+    view.World.CursorScreenPos = {600, 700};
+    DevicePoint press = Device(13, 13); // near the corner p1
+    int16_t action = 0;
+    EXPECT_EQ(view.Buf.HitTest(press, true, false, action, view), r);
+    DevicePoint corner = Device(10, 10);
+    EXPECT_EQ(window.calls.back(), "SetCursorPos " + std::to_string(600 - press.x + corner.x) + "," +
+                                       std::to_string(700 - press.y + corner.y));
+    EXPECT_EQ(view.World.LastSnapWorld, (WorldPoint{10, 10}));
+    EXPECT_EQ(view.World.LastSnapDevice, corner);
+}
+
+TEST_F(Buf, ClearAllEmptiesEverythingUntilReset)
+{
+    AddRect(0, 0, 1, 1);
+    view.Buf.Select(view.Buf.FindShape(1));
+    view.Buf.ClearAll();
+    EXPECT_TRUE(view.Buf.Layers.empty());
+    EXPECT_TRUE(view.Buf.ShapeMap.empty());
+    EXPECT_TRUE(view.Buf.Selection.empty());
+    EXPECT_EQ(view.CreateShape(bvxRectangle, 1), nullptr);
+    view.Buf.Reset();
+    EXPECT_EQ(view.Buf.Layers.size(), 2u);
+    EXPECT_EQ(AddRect(0, 0, 1, 1)->number, 1);
+}
+
+TEST_F(Buf, SearchMethodTableRefusesTypesWithoutAnInside)
+{
+    CadLayer& layer = *view.Buf.Layers[1];
+    layer.SetSearchMethod(3, 1);
+    EXPECT_EQ(layer.GetSearchMethod(3), 0);
+    layer.SetSearchMethod(1, 5);
+    EXPECT_EQ(layer.GetSearchMethod(1), 1); // low two bits
+    layer.SetSearchMethod(21, 1);
+    EXPECT_EQ(layer.GetSearchMethod(21), 0);
+    // A new shape takes its type's entry from its layer; a line never does.
+    layer.SetSearchMethod(20, 1);
+    EXPECT_EQ(AddEllipse(5, 5, 2, 2)->GetSearchMethod(), 1);
+    EXPECT_EQ(AddRect(0, 0, 1, 1, 1, bvxLine)->GetSearchMethod(), 0);
+}
+
+TEST_F(Buf, ModeSettersStoreTheirFallbacks)
+{
+    view.Buf.SetSnapToGrid(7);
+    EXPECT_EQ(view.Buf.SnapToGrid, -1);
+    view.Buf.SetSnapToGrid(2);
+    EXPECT_EQ(view.Buf.SnapToGrid, 2);
+    view.Buf.SnapMarkerUp = 5;
+    view.Buf.SetSnapMode(3);
+    EXPECT_EQ(view.Buf.SnapMode, 0);
+    EXPECT_EQ(view.Buf.SnapMarkerUp, 0);
+    view.Buf.SetShapeMoveMode(3);
+    EXPECT_EQ(view.Buf.ShapeMoveMode, 0);
+    view.Buf.SetShapeMoveMode(2);
+    EXPECT_EQ(view.Buf.ShapeMoveMode, 2);
+}
+
+} // namespace
+} // namespace bvx

@@ -1,0 +1,224 @@
+#include "ViewFixture.h"
+
+namespace bvx {
+namespace {
+
+using testing::RecordingEventSink;
+using testing::RecordingHostWindow;
+using View = testing::ViewFixture;
+
+TEST(CadViewHeadless, RunsWithoutWindowOrSink)
+{
+    CadView view;
+    EXPECT_EQ(view.ViewReady, 0);
+    auto* shape = view.CreateShape(bvxRectangle, 1);
+    ASSERT_TRUE(shape);
+    EXPECT_EQ(shape->number, 1);
+    view.Redraw(0); // ignored without a window
+    EXPECT_EQ(view.RebuildBackBuffer, 1);
+    view.Buf.Select(shape);
+    view.Redraw(4); // ignored too: nothing is deleted
+    EXPECT_EQ(view.Buf.FindShape(1), shape);
+    view.FireClick(1, 2); // no sink: quiet
+    EXPECT_EQ(view.CreateShape(16, 1), nullptr);
+    EXPECT_EQ(view.CreateShape(bvxRectangle, 7), nullptr);
+}
+
+TEST_F(View, ColourTableStartsWithTwentyThreeColoursAndGrows)
+{
+    EXPECT_EQ(view.Colors().size(), 23u);
+    EXPECT_EQ(view.ColorOf(0), 0x000000u);
+    EXPECT_EQ(view.ColorOf(22), 0xFFFFFFu);
+    EXPECT_EQ(view.ColorOf(18), 0xFF0000u);
+    EXPECT_EQ(view.ColorIndex(0x00FF00), 17);
+    EXPECT_EQ(view.ColorIndex(0x123456), 23);
+    EXPECT_EQ(view.ColorIndex(0x123456), 23);
+    EXPECT_EQ(view.ColorOf(99), 0x000000u); // out of range reads entry 0
+    EXPECT_EQ(view.ColorOf(view.ColorIndex(0x80000005)), 0xFFFFFFu); // the window colour
+    view.Clear();
+    EXPECT_EQ(view.ColorOf(0), 0x000000u);
+}
+
+TEST_F(View, RedrawModes)
+{
+    auto* a = AddRect(10, 10, 20, 20);
+    auto* b = AddRect(30, 30, 40, 40);
+    view.Buf.Select(a);
+    view.Buf.Select(b);
+    window.invalidated.clear();
+    view.Redraw(1);
+    view.Redraw(3);
+    EXPECT_TRUE(window.invalidated.empty());
+    view.Redraw(2);
+    EXPECT_EQ(window.invalidated.size(), 2u);
+    sink.events.clear();
+    view.Redraw(4);
+    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1", "ShapeNumberDeleted 2"}));
+    EXPECT_TRUE(view.Buf.Selection.empty());
+    view.NeedRepaint = 0;
+    view.RebuildBackBuffer = 0;
+    view.Redraw(0);
+    EXPECT_EQ(view.NeedRepaint, 1);
+    EXPECT_EQ(view.RebuildBackBuffer, 1);
+    EXPECT_EQ(window.invalidated.back(), window.client);
+}
+
+TEST_F(View, InvalidateShapeCollectsOldAndNewBounds)
+{
+    auto* r = AddRect(10, 90, 20, 80); // device 10..20 by 10..20
+    view.NeedRepaint = 0;
+    view.DirtyRect = {};
+    window.invalidated.clear();
+    view.InvalidateShape(r, false);
+    view.InvalidateShape(r, false);
+    EXPECT_EQ(view.NeedRepaint, 0);
+    EXPECT_EQ(window.invalidated.size(), 2u);
+    EXPECT_EQ(window.invalidated.back(), window.client); // the whole window without a commit
+    r->Move({50, 0}, view);
+    view.InvalidateShape(r, true);
+    EXPECT_EQ(view.NeedRepaint, 1);
+    // Old place and new, each grown by 4.
+    EXPECT_EQ(view.DirtyRect, (DeviceRect{6, 6, 74, 24}));
+    EXPECT_EQ(window.invalidated.back(), view.DirtyRect);
+    view.InvalidateShape(nullptr, true);
+    EXPECT_EQ(view.DirtyRect, view.World.ClientRect);
+}
+
+TEST_F(View, SnapMarkerInvalidatesEighteenPixels)
+{
+    view.Buf.SnapPoint = {50, 50};
+    view.DirtyRect = {};
+    view.InvalidateSnapMarker();
+    EXPECT_EQ(window.invalidated.back(), (DeviceRect{41, 41, 59, 59}));
+    view.Buf.SnapMarkerUp = 3;
+    view.SetMouseTool(bvxRectangle); // a drawing tool keeps the marker
+    EXPECT_EQ(view.Buf.SnapMarkerUp, 3);
+    view.SetMouseTool(16); // any value is stored; 16 is in the drawing range
+    EXPECT_EQ(view.CurrentTool, 16);
+    EXPECT_EQ(view.Buf.SnapMarkerUp, 3);
+    view.SetMouseTool(bvxSelect);
+    EXPECT_EQ(view.Buf.SnapMarkerUp, 0);
+}
+
+TEST_F(View, CancelMouseOnlyActsDuringADraw)
+{
+    auto* r = AddRect(10, 10, 20, 20);
+    view.Buf.Select(r);
+    view.MouseActive = 1;
+    view.CancelMouse();
+    EXPECT_TRUE(window.calls.empty()); // not even the capture
+    EXPECT_EQ(view.MouseActive, 1);
+    view.DrawInProgress = 1;
+    sink.events.clear();
+    view.CancelMouse();
+    EXPECT_EQ(view.DrawAbort, 1);
+    EXPECT_EQ(view.MouseActive, 0);
+    EXPECT_EQ(view.DrawInProgress, 0);
+    EXPECT_EQ(window.calls, (std::vector<std::string>{"ReleaseCapture"}));
+    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1"})); // the half-made shape goes
+}
+
+TEST_F(View, DeletingAShapeDeselectsForgetsAndReports)
+{
+    auto* a = AddRect(10, 10, 20, 20);
+    view.Buf.Select(a);
+    sink.events.clear();
+    EXPECT_TRUE(view.DeleteShape(a, true));
+    EXPECT_TRUE(view.Buf.Selection.empty());
+    EXPECT_EQ(view.Buf.FindShape(1), nullptr);
+    EXPECT_TRUE(view.Buf.Layers[1]->Shapes.empty());
+    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1"}));
+    EXPECT_FALSE(view.DeleteShape(nullptr, true));
+    auto* quiet = AddRect(1, 1, 2, 2);
+    sink.events.clear();
+    EXPECT_TRUE(view.DeleteShape(quiet, false));
+    EXPECT_TRUE(sink.events.empty());
+}
+
+TEST_F(View, EffectiveAttributesWalkShapeThenLayer)
+{
+    auto* r = AddRect(10, 10, 20, 20);
+    view.Buf.Layers[1]->Attr->SetPenColor(5);
+    EXPECT_EQ(view.EffectiveAttr(*r).PenColor(), 5u);
+    r->SetAttr(std::make_unique<ShapeAttr>(ShapeAttr::Default()));
+    r->attr->SetPenColor(9);
+    EXPECT_EQ(view.EffectiveAttr(*r).PenColor(), 9u);
+    // A shape not yet numbered wears the current layer's colours.
+    CRectShape unnumbered;
+    EXPECT_EQ(view.EffectiveAttr(unnumbered).PenColor(), 5u);
+    // Clones take their record only when asked.
+    EXPECT_FALSE(r->Clone(0)->attr);
+    EXPECT_EQ(r->Clone(1)->attr->PenColor(), 9u);
+    EXPECT_EQ(r->Clone(1)->number, -1);
+}
+
+TEST_F(View, TextCaretFollowsTheTracker)
+{
+    view.CaretX = 7;
+    view.CaretY = 8;
+    view.ShowTextCaret(true);
+    view.ShowTextCaret(true);
+    EXPECT_EQ(window.calls, (std::vector<std::string>{"CreateCaret 6x6", "SetCaretPos 7,8", "ShowCaret"}));
+    view.ShowTextCaret(false);
+    EXPECT_EQ(window.calls.back(), "DestroyCaret");
+    window.calls.clear();
+    view.Buf.ShowTracker = 0;
+    view.ShowTextCaret(true);
+    EXPECT_TRUE(window.calls.empty());
+}
+
+TEST_F(View, ClearSelectionInvalidatesBeforeDeselecting)
+{
+    auto* a = AddRect(10, 10, 20, 20);
+    auto* b = AddRect(30, 30, 40, 40);
+    view.Buf.Select(a);
+    view.Buf.Select(b);
+    window.invalidated.clear();
+    view.ClearSelection(a);
+    EXPECT_EQ(window.invalidated.size(), 1u);
+    EXPECT_EQ(view.Buf.Selection, (std::vector<CObjShape*>{b}));
+    view.ClearSelection(nullptr);
+    EXPECT_TRUE(view.Buf.Selection.empty());
+    EXPECT_EQ(window.invalidated.size(), 2u);
+}
+
+TEST_F(View, MouseMoveEventIsTheOnlyRoundedOne)
+{
+    view.World.SetWorldCoordPrecision(2);
+    view.World.SetWorldAnglePrecision(1);
+    view.FireWorldMouseMove(1, 1.23456, 2.5, 3.14159, 0.777);
+    view.FireClick(1.23456, 2.5);
+    EXPECT_EQ(sink.events[0], "WorldMouseMove 1 1.23 2.5 3.14 0.8");
+    EXPECT_EQ(sink.events[1], "Click 1.23456 2.5");
+}
+
+TEST_F(View, PensAndBrushesFromRecords)
+{
+    ShapeAttr a = ShapeAttr::Default();
+    a.SetPenColor(uint32_t(view.ColorIndex(0x0000FF)));
+    a.SetPenWidth(3);
+    a.SetBrushStyle(2);
+    a.SetBrushFg(uint32_t(view.ColorIndex(0x00FF00)));
+    Pen pen = view.PenFor(a, view.World);
+    EXPECT_EQ(pen.color, 0x0000FFu);
+    EXPECT_EQ(pen.width, 3);
+    Brush brush = view.BrushFor(a);
+    EXPECT_EQ(brush.style, BrushStyle::Hatched);
+    EXPECT_EQ(brush.hatch, HatchStyle::BDiagonal);
+    EXPECT_EQ(CadColorTable::BackModeFor(a), BackMode::Transparent);
+    view.Mono = true;
+    EXPECT_EQ(view.PenFor(a, view.World).color, 0x000000u);
+    EXPECT_EQ(view.BrushFor(a).color, 0x000000u);
+    EXPECT_EQ(view.BackColorFor(a), 0xFFFFFFu);
+    view.Mono = false;
+    // Printing multiplies the width, other outputs scale it by resolution.
+    view.World.OutputMode = 1;
+    view.PrintLineWidth = 4;
+    EXPECT_EQ(view.PenFor(a, view.World).width, 12);
+    view.PrintLineWidth = 0;
+    view.World.OutputDpiX = 600;
+    EXPECT_EQ(view.PenFor(a, view.World).width, 19); // 3 * 600 / 96 = 18.75
+}
+
+} // namespace
+} // namespace bvx
