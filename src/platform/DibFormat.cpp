@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <climits>
-#include <cstring>
 
 namespace bvx {
 
@@ -192,49 +191,50 @@ private:
     RleOutcome Finish(RleOutcome outcome) const { return outside_ ? RleOutcome::OutsideImage : outcome; }
     bool RowIsInside() const { return y_ < view_.height; }
 
-    // Clips the run [x_, x_ + count) to the image and the window: the run
-    // offsets [first, last) are kept, and the returned pointer is where
-    // offset `first` lands, or null if nothing does.
-    uint8_t* Clip(int32_t count, int32_t& first, int32_t& last)
+    // Where the current row lands in the window, or -1.
+    int64_t WindowRow() const
     {
-        if (x_ + count > view_.width) outside_ = true;
-        const int64_t row = int64_t(view_.height) - 1 - y_ - window_.top;
-        first = int32_t(std::clamp<int64_t>(window_.left - x_, 0, count));
-        last = int32_t(std::clamp<int64_t>(std::min<int64_t>(view_.width, int64_t(window_.left) + window_.width) - x_, 0, count));
-        if (window_.indices == nullptr || row < 0 || row >= window_.height || first >= last) return nullptr;
-        const size_t offset = size_t(row) * size_t(window_.width) + size_t(x_ + first - window_.left);
-        std::memset(window_.written + offset, 1, size_t(last - first));
-        return window_.indices + offset;
+        const int64_t topDownRow = int64_t(view_.height) - 1 - y_;
+        const auto it = std::lower_bound(window_.rows.begin(), window_.rows.end(), topDownRow);
+        return it != window_.rows.end() && *it == topDownRow ? int64_t(it - window_.rows.begin()) : -1;
     }
 
-    void Advance(int32_t count) { x_ = std::min<int64_t>(x_ + count, view_.width); }
+    // A run of `count` pixels from x_; pixelAt(k) gives the k-th index.
+    template <typename PixelAt> void Emit(int32_t count, PixelAt pixelAt)
+    {
+        if (x_ + count > view_.width) outside_ = true;
+        const int64_t end = std::min<int64_t>(x_ + count, view_.width);
+        const int64_t row = window_.indices != nullptr && x_ < end ? WindowRow() : -1;
+        if (row >= 0) {
+            const std::span<const int32_t> columns = window_.columns;
+            const size_t base = size_t(row) * columns.size();
+            for (auto it = std::lower_bound(columns.begin(), columns.end(), x_); it != columns.end() && *it < end;
+                 ++it) {
+                const size_t slot = base + size_t(it - columns.begin());
+                window_.indices[slot] = pixelAt(size_t(*it - x_));
+                window_.written[slot] = 1;
+            }
+        }
+        x_ = end;
+    }
 
     void Encoded(int32_t count, uint8_t value)
     {
-        int32_t first = 0, last = 0;
-        if (uint8_t* out = Clip(count, first, last)) {
-            if (view_.bitCount == 8) {
-                std::memset(out, value, size_t(last - first));
-            } else {
-                const uint8_t nibbles[2] = {uint8_t(value >> 4), uint8_t(value & 15)};
-                for (int32_t k = first; k < last; ++k) *out++ = nibbles[k & 1];
-            }
+        if (view_.bitCount == 8) {
+            Emit(count, [value](size_t) { return value; });
+            return;
         }
-        Advance(count);
+        const uint8_t nibbles[2] = {uint8_t(value >> 4), uint8_t(value & 15)};
+        Emit(count, [&nibbles](size_t k) { return nibbles[k & 1]; });
     }
 
     void Literal(int32_t count, const uint8_t* source)
     {
-        int32_t first = 0, last = 0;
-        if (uint8_t* out = Clip(count, first, last)) {
-            if (view_.bitCount == 8) {
-                std::memcpy(out, source + first, size_t(last - first));
-            } else {
-                for (int32_t k = first; k < last; ++k)
-                    *out++ = uint8_t((k & 1) ? source[k >> 1] & 15 : source[k >> 1] >> 4);
-            }
+        if (view_.bitCount == 8) {
+            Emit(count, [source](size_t k) { return source[k]; });
+            return;
         }
-        Advance(count);
+        Emit(count, [source](size_t k) { return uint8_t((k & 1) ? source[k >> 1] & 15 : source[k >> 1] >> 4); });
     }
 
     const DibView& view_;

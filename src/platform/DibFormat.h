@@ -83,14 +83,13 @@ enum class RleOutcome {
     OutsideImage, // a run or a delta left the image
 };
 
-// The part of the image a decode fills: rows top-down from `top`. Each pixel
-// a run sets gets its colour index in `indices` and 1 in `written`; others
-// are left as they were, as the platform leaves them.
+// The pixels a decode fills: the source columns and top-down rows listed,
+// both ascending. Each pixel a run sets gets its colour index in `indices`
+// and 1 in `written` (row-major, rows.size() by columns.size()); others are
+// left as they were, as the platform leaves them.
 struct RleWindow {
-    int32_t left = 0;
-    int32_t top = 0;
-    int32_t width = 0;
-    int32_t height = 0;
+    std::span<const int32_t> columns;
+    std::span<const int32_t> rows;
     uint8_t* indices = nullptr;
     uint8_t* written = nullptr;
 };

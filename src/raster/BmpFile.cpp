@@ -90,7 +90,8 @@ DibPtr DibReadBlock(ByteSource& source, bool sized)
     // A length beyond what the source holds would only end in a short read.
     const uint64_t rest = size - kBmpFileHeaderSize;
     const uint64_t position = source.Position(), available = source.Size();
-    if (rest < kDibCoreHeaderSize || position > available || rest > available - position || rest > std::numeric_limits<size_t>::max())
+    if (rest < kDibCoreHeaderSize || position > available || rest > available - position ||
+        rest > std::numeric_limits<size_t>::max())
         return nullptr;
     try {
         auto dib = std::make_unique<DibBlock>();

@@ -16,7 +16,10 @@ ErrorReporter& InstalledReporter()
 
 } // namespace
 
-ErrorReporter SetErrorReporter(ErrorReporter reporter) { return std::exchange(InstalledReporter(), std::move(reporter)); }
+ErrorReporter SetErrorReporter(ErrorReporter reporter)
+{
+    return std::exchange(InstalledReporter(), std::move(reporter));
+}
 
 bool Image2::Compress()
 {

@@ -187,15 +187,19 @@ TEST_P(DibPixelFormat, ExpandsToTheSurfaceColour)
     EXPECT_EQ(canvas.At(0, 0), c.expected);
 }
 
+const std::vector<uint32_t> k565{0xF800, 0x07E0, 0x001F};
+
 INSTANTIATE_TEST_SUITE_P(
     Table, DibPixelFormat,
     testing::Values(FormatCase{"555 white", 16, DibCompression::Rgb, {}, {0xFF, 0x7F, 0, 0}, kWhite},
                     FormatCase{"555 red 1", 16, DibCompression::Rgb, {}, {0x00, 0x04, 0, 0}, MakeRgb(8, 0, 0)},
-                    FormatCase{"565 red", 16, DibCompression::Bitfields, {0xF800, 0x07E0, 0x001F}, {0x00, 0xF8, 0, 0}, MakeRgb(255, 0, 0)},
-                    FormatCase{"565 green", 16, DibCompression::Bitfields, {0xF800, 0x07E0, 0x001F}, {0xE0, 0x07, 0, 0}, MakeRgb(0, 255, 0)},
+                    FormatCase{"565 red", 16, DibCompression::Bitfields, k565, {0x00, 0xF8, 0, 0}, MakeRgb(255, 0, 0)},
+                    FormatCase{"565 green", 16, DibCompression::Bitfields, k565, {0xE0, 0x07, 0, 0},
+                               MakeRgb(0, 255, 0)},
                     FormatCase{"24 bgr", 24, DibCompression::Rgb, {}, {1, 2, 3, 0}, MakeRgb(3, 2, 1)},
                     FormatCase{"32 bgrx", 32, DibCompression::Rgb, {}, {4, 5, 6, 7}, MakeRgb(6, 5, 4)},
-                    FormatCase{"32 fields", 32, DibCompression::Bitfields, {0xFF, 0xFF00, 0xFF0000}, {4, 5, 6, 7}, MakeRgb(4, 5, 6)}));
+                    FormatCase{"32 fields", 32, DibCompression::Bitfields, {0xFF, 0xFF00, 0xFF0000}, {4, 5, 6, 7},
+                               MakeRgb(4, 5, 6)}));
 
 TEST(DibPaint, PicksTheEntryPointByRectangleSizes)
 {

@@ -64,7 +64,8 @@ class DibExactColors : public testing::TestWithParam<ExactCase> {};
 
 TEST_P(DibExactColors, TableHoldsJustTheDrawnColours)
 {
-    const auto [bits, colors] = GetParam();
+    const int16_t bits = GetParam().bits;
+    const int colors = GetParam().colors;
     // Colours far from any fixed table, so that only an exact table paints them back.
     const BitmapHandle surface = MakeSurface(37, 9, [colors](int32_t x, int32_t y) {
         const int i = (x * 7 + y * 3) % colors;
@@ -142,7 +143,8 @@ TEST(DibGivenPalette, MapsEveryPixelToItsEntries)
     Palette palette;
     palette.entries = {{255, 0, 0, 0}, {0, 255, 0, 0}, {0, 0, 255, 0}, {255, 255, 255, 0}};
     const BitmapHandle surface = MakeSurface(8, 2, [](int32_t x, int32_t y) {
-        const ColorRef near[] = {MakeRgb(200, 30, 30), MakeRgb(20, 220, 10), MakeRgb(0, 10, 180), MakeRgb(240, 240, 230)};
+        const ColorRef near[] = {MakeRgb(200, 30, 30), MakeRgb(20, 220, 10), MakeRgb(0, 10, 180),
+                                 MakeRgb(240, 240, 230)};
         return near[(x + y) % 4];
     });
     for (int16_t bits : {4, 8}) {

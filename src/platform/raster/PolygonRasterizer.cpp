@@ -42,16 +42,21 @@ void PolygonRasterizer::BuildEdges(std::span<const Point64> points, std::span<co
     }
 }
 
-void PolygonRasterizer::StartEdge(Edge& e, int64_t y)
+PolygonRasterizer::Active PolygonRasterizer::StartEdge(const Edge& e, int64_t y)
 {
     // x(y) = xTop + ceil(k * dx / dy) = xTop + floor((k * dx + dy - 1) / dy), k = y - yTop.
     const Int128 num = Int128(y - e.yTop) * e.dx + e.dy - 1;
     const Int128 q = FloorDiv(num, e.dy);
-    e.x = int64_t(e.xTop + q);
-    e.rem = int64_t(num - q * e.dy);
     const Int128 sq = FloorDiv(e.dx, e.dy);
-    e.stepQ = int64_t(sq);
-    e.stepR = int64_t(Int128(e.dx) - sq * e.dy);
+    Active a{};
+    a.x = int64_t(e.xTop + q);
+    a.rem = int64_t(num - q * e.dy);
+    a.stepQ = int64_t(sq);
+    a.stepR = int64_t(Int128(e.dx) - sq * e.dy);
+    a.dy = e.dy;
+    a.yBottom = e.yBottom;
+    a.dir = e.dir;
+    return a;
 }
 
 } // namespace bvx::raster

@@ -39,21 +39,21 @@ private:
         int64_t yTop, yBottom; // rows [yTop, yBottom)
         int64_t xTop, dx, dy;  // dy > 0
         int32_t dir;           // +1 when the figure runs downwards along it
-        // Incremental state: x = floor(num / dy) tracked as x and rem.
-        int64_t x, rem, stepQ, stepR;
     };
-    struct Crossing {
-        int64_t x;
+    // An edge crossing the current row: x = floor(num / dy) kept as x and
+    // the remainder, stepped without division from row to row. Kept
+    // contiguous and sorted by x so that each row touches little memory.
+    struct Active {
+        int64_t x, rem, stepQ, stepR, dy, yBottom;
         int32_t dir;
     };
 
     void BuildEdges(std::span<const Point64> points, std::span<const uint32_t> counts, int64_t rowTop,
                     int64_t rowBottom);
-    void StartEdge(Edge& e, int64_t y);
+    static Active StartEdge(const Edge& e, int64_t y);
 
     std::vector<Edge> edges_;
-    std::vector<uint32_t> active_;
-    std::vector<Crossing> crossings_;
+    std::vector<Active> active_;
 };
 
 template <typename Sink>
@@ -78,42 +78,36 @@ void PolygonRasterizer::Scan(std::span<const Point64> points, std::span<const ui
     for (int64_t y = yStart; y < yEnd; ++y) {
         // Drop finished edges, step the others, admit new ones.
         size_t kept = 0;
-        for (uint32_t idx : active_) {
-            Edge& e = edges_[idx];
-            if (y >= e.yBottom) continue;
-            e.x += e.stepQ;
-            e.rem += e.stepR;
-            if (e.rem >= e.dy) {
-                e.rem -= e.dy;
-                ++e.x;
-            }
-            active_[kept++] = idx;
+        for (size_t i = 0; i < active_.size(); ++i) {
+            Active a = active_[i];
+            if (y >= a.yBottom) continue;
+            // Branch-free: the carry is as likely as not.
+            a.rem += a.stepR;
+            const int64_t carry = a.rem >= a.dy ? 1 : 0;
+            a.x += a.stepQ + carry;
+            a.rem -= a.dy & -carry;
+            active_[kept++] = a;
         }
         active_.resize(kept);
         while (next < edges_.size() && std::max<int64_t>(edges_[next].yTop, rowTop) <= y) {
-            Edge& e = edges_[next];
-            if (e.yBottom > y) {
-                StartEdge(e, y);
-                active_.push_back(uint32_t(next));
-            }
+            if (edges_[next].yBottom > y) active_.push_back(StartEdge(edges_[next], y));
             ++next;
         }
         if (active_.empty()) {
             if (next >= edges_.size()) break;
             continue;
         }
-
-        crossings_.clear();
-        for (uint32_t idx : active_) crossings_.push_back({edges_[idx].x, edges_[idx].dir});
-        // Nearly sorted from row to row: insertion sort.
-        for (size_t i = 1; i < crossings_.size(); ++i) {
-            Crossing c = crossings_[i];
+        // Edges move a little from row to row, so the list stays nearly
+        // sorted and insertion sort is close to linear.
+        for (size_t i = 1; i < active_.size(); ++i) {
+            if (active_[i - 1].x <= active_[i].x) continue;
+            const Active a = active_[i];
             size_t j = i;
-            while (j > 0 && crossings_[j - 1].x > c.x) {
-                crossings_[j] = crossings_[j - 1];
+            while (j > 0 && active_[j - 1].x > a.x) {
+                active_[j] = active_[j - 1];
                 --j;
             }
-            crossings_[j] = c;
+            active_[j] = a;
         }
 
         const int32_t row = int32_t(y);
@@ -125,14 +119,14 @@ void PolygonRasterizer::Scan(std::span<const Point64> points, std::span<const ui
         if (mode == PolyFillMode::Winding) {
             int32_t winding = 0;
             int64_t start = 0;
-            for (const Crossing& c : crossings_) {
+            for (const Active& c : active_) {
                 const int32_t before = winding;
                 winding += c.dir;
                 if (before == 0 && winding != 0) start = c.x;
                 else if (before != 0 && winding == 0) emit(start, c.x);
             }
         } else {
-            for (size_t i = 0; i + 1 < crossings_.size(); i += 2) emit(crossings_[i].x, crossings_[i + 1].x);
+            for (size_t i = 0; i + 1 < active_.size(); i += 2) emit(active_[i].x, active_[i + 1].x);
         }
     }
 }

@@ -69,8 +69,13 @@ public:
     void Span(Bitmap& bitmap, int32_t y, int32_t x0, int32_t x1) const
     {
         if (x1 <= x0) return;
-        uint32_t* p = bitmap.Row(y).data();
+        uint32_t* p = bitmap.Pixels().data() + size_t(y) * size_t(bitmap.Width());
         if (kind_ == Kind::Solid) {
+            if (solid_.andMask == 0 && x1 - x0 <= 16) {
+                // Short copies are the common span of busy fills.
+                for (int32_t x = x0; x < x1; ++x) p[x] = solid_.xorMask;
+                return;
+            }
             FillSpan(p + x0, x1 - x0, solid_);
         } else if (kind_ == Kind::Pattern) {
             PatternSpan(p, y, x0, x1);
@@ -79,6 +84,17 @@ public:
     void Rect(Bitmap& bitmap, const DeviceRect& r) const
     {
         if (kind_ == Kind::Nop || r.IsEmpty()) return;
+        if (kind_ == Kind::Solid && r.left == 0 && r.right == bitmap.Width()) {
+            // Whole rows are one run of memory.
+            uint32_t* p = bitmap.Pixels().data() + size_t(r.top) * size_t(r.right);
+            const size_t n = size_t(r.bottom - r.top) * size_t(r.right);
+            if (solid_.andMask == 0) {
+                std::fill_n(p, n, solid_.xorMask);
+            } else {
+                for (size_t i = 0; i < n; ++i) p[i] = solid_.Apply(p[i]);
+            }
+            return;
+        }
         for (int32_t y = r.top; y < r.bottom; ++y) Span(bitmap, y, r.left, r.right);
     }
     // The masks this paint applies at one device pixel.

@@ -1,0 +1,131 @@
+// Coordinates anywhere in the 32-bit range: no overflow, and time spent on
+// the visible part only.
+#include "RasterTestUtil.h"
+#include "platform/Region.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace bvx {
+namespace {
+
+using test::Surface;
+
+constexpr int32_t kMin = INT32_MIN;
+constexpr int32_t kMax = INT32_MAX;
+
+struct HugeCase {
+    const char* name;
+    void (*draw)(RasterDeviceContext&);
+};
+
+const HugeCase kHuge[] = {
+    {"line_diagonal", [](RasterDeviceContext& dc) { dc.MoveToEx(kMin, kMin); dc.LineTo(kMax, kMax); }},
+    {"line_steep", [](RasterDeviceContext& dc) { dc.MoveToEx(kMin, kMax); dc.LineTo(10, kMin); }},
+    {"line_flat", [](RasterDeviceContext& dc) { dc.MoveToEx(kMax, 7); dc.LineTo(kMin, 9); }},
+    {"line_dashed", [](RasterDeviceContext& dc) {
+         dc.SelectPen(CreatePen(PenStyle::DashDot, 1, 0));
+         dc.MoveToEx(kMin, 3);
+         dc.LineTo(kMax, 60);
+     }},
+    {"line_wide", [](RasterDeviceContext& dc) {
+         dc.SelectPen(CreatePen(PenStyle::Solid, 9, 0));
+         dc.MoveToEx(kMin, kMin);
+         dc.LineTo(kMax, kMax - 5);
+     }},
+    {"polyline_wide_far_off", [](RasterDeviceContext& dc) {
+         dc.SelectPen(CreatePen(PenStyle::Solid, 6, 0));
+         const DevicePoint p[] = {{kMin, kMin}, {kMax, kMin}, {kMax, kMax}, {5, 5}};
+         dc.Polyline(p);
+     }},
+    {"rectangle", [](RasterDeviceContext& dc) { dc.Rectangle(kMin, kMin, kMax, kMax); }},
+    {"rectangle_wide", [](RasterDeviceContext& dc) {
+         dc.SelectPen(CreatePen(PenStyle::InsideFrame, 25, 0));
+         dc.SelectBrush(CreateHatchBrush(HatchStyle::Cross, 0));
+         dc.Rectangle(kMin, -5, kMax, 40);
+     }},
+    {"ellipse", [](RasterDeviceContext& dc) {
+         dc.SelectBrush(CreateHatchBrush(HatchStyle::DiagCross, 0));
+         dc.Ellipse(kMin, kMin, kMax, kMax);
+     }},
+    {"ellipse_wide_pen", [](RasterDeviceContext& dc) {
+         dc.SelectPen(CreatePen(PenStyle::Solid, 7, 0));
+         dc.Ellipse(-3000000, 2, 3000000, 1000000000);
+     }},
+    {"roundrect", [](RasterDeviceContext& dc) { dc.RoundRect(kMin, kMin, kMax, 50, kMax, kMax); }},
+    {"pie", [](RasterDeviceContext& dc) { dc.Pie(kMin, kMin, kMax, kMax, kMax, 0, 0, kMax); }},
+    {"chord", [](RasterDeviceContext& dc) { dc.Chord(kMin, 0, kMax, kMax, kMin, kMin, kMax, kMax); }},
+    {"arc", [](RasterDeviceContext& dc) { dc.Arc(-100000000, -50, 100000000, 120, 0, 0, 0, 0); }},
+    {"polygon", [](RasterDeviceContext& dc) {
+         dc.SelectBrush(CreateSolidBrush(0));
+         dc.SetPolyFillMode(PolyFillMode::Winding);
+         const DevicePoint p[] = {{kMin, kMin}, {kMax, 3}, {kMin, kMax}, {20, kMin}, {kMax, kMax}};
+         dc.Polygon(p);
+     }},
+    {"patblt", [](RasterDeviceContext& dc) { dc.PatBlt(kMin, kMin, kMax, kMax, RasterOp::DstInvert); }},
+    {"fillrect", [](RasterDeviceContext& dc) { dc.FillRect({kMin, kMin, kMax, kMax}, Brush{}); }},
+    {"focus", [](RasterDeviceContext& dc) { dc.DrawFocusRect({kMin, kMin, kMax, kMax}); }},
+    {"bitblt", [](RasterDeviceContext& dc) { dc.BitBlt(kMax, kMin, kMax, kMax, dc, kMin, kMax, RasterOp::SrcCopy); }},
+};
+
+class HugeCoordinates : public ::testing::TestWithParam<HugeCase> {};
+
+TEST_P(HugeCoordinates, DrawsQuicklyWithoutOverflow)
+{
+    Surface s(64, 64);
+    const auto start = std::chrono::steady_clock::now();
+    GetParam().draw(s.dc);
+    const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_LT(ms, 250.0); // generous for sanitizer builds; typically well under 10 ms
+}
+
+INSTANTIATE_TEST_SUITE_P(Raster, HugeCoordinates, ::testing::ValuesIn(kHuge),
+                         [](const ::testing::TestParamInfo<HugeCase>& info) { return std::string(info.param.name); });
+
+TEST(HugeCoordinates, DiagonalAcrossTheWholeRangeIsTheMainDiagonal)
+{
+    Surface s(32, 32);
+    s.dc.MoveToEx(kMin, kMin);
+    s.dc.LineTo(kMax, kMax);
+    const auto marked = s.Marked();
+    EXPECT_EQ(marked.size(), 32u);
+    for (int32_t i = 0; i < 32; ++i) EXPECT_TRUE(marked.count({i, i}));
+}
+
+TEST(HugeCoordinates, HorizontalAcrossTheRangeFillsTheRow)
+{
+    Surface s(32, 8);
+    s.dc.MoveToEx(kMax, 5);
+    s.dc.LineTo(kMin, 5);
+    EXPECT_EQ(s.Marked().size(), 32u);
+}
+
+TEST(HugeCoordinates, HugeRectangleFillsTheSurface)
+{
+    Surface s(16, 16);
+    s.dc.SelectBrush(CreateSolidBrush(kBlack));
+    s.dc.SelectPen(CreatePen(PenStyle::Null, 0, 0));
+    s.dc.Rectangle(kMin, kMin, kMax, kMax);
+    EXPECT_EQ(s.Marked().size(), 256u);
+}
+
+TEST(HugeCoordinates, RegionsStayUsable)
+{
+    const Region rect = CreateRectRgn(kMin, kMin, kMax, kMax);
+    EXPECT_TRUE(rect.PtInRegion(0, 0));
+    EXPECT_TRUE(rect.PtInRegion(kMax - 1, kMin));
+    EXPECT_FALSE(rect.PtInRegion(kMax, 0));
+    const Region ellipse = CreateEllipticRgn(-2000000000, -2000000000, 2000000000, 2000000000);
+    EXPECT_TRUE(ellipse.PtInRegion(0, 0));
+    // The lower-left half of the plane.
+    const DevicePoint tri[] = {{kMin, kMin}, {kMax, kMax}, {kMin, kMax}};
+    const Region poly = CreatePolygonRgn(tri, PolyFillMode::Alternate);
+    EXPECT_TRUE(poly.PtInRegion(50, 100));
+    EXPECT_TRUE(poly.PtInRegion(-3000, 20));
+    EXPECT_FALSE(poly.PtInRegion(100, 50));
+    EXPECT_FALSE(poly.PtInRegion(3000, -20));
+}
+
+} // namespace
+} // namespace bvx
