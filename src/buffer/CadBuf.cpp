@@ -168,7 +168,7 @@ CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, CadView& view, int
     added->layer = int16_t(index);
     target->Shapes.push_back(std::move(shape));
     ShapeMap[number] = added;
-    if (fireEvent) view.FireShapeNumberAdded(added->GetShapeType(), number);
+    if (fireEvent) view.Fire<&EventSink::ShapeNumberAdded>(added->GetShapeType(), number);
     return added;
 }
 
@@ -332,7 +332,7 @@ void CadBuf::SelectInRect(const DeviceRect& rect, bool additive, CadView& view)
             CObjShape* shape = Layers[l]->Shapes[i].get();
             if (!shape->IntersectsRect(rect, view)) continue;
             Select(shape);
-            view.FireShapeNumberSelected(shape->GetShapeType(), shape->number);
+            view.Fire<&EventSink::ShapeNumberSelected>(shape->GetShapeType(), shape->number);
         }
     }
 }
@@ -366,7 +366,7 @@ void CadBuf::DuplicateSelection(CadView& view)
         if (!clone) continue;
         Select(clone);
         view.InvalidateShape(clone, true);
-        view.FireShapeNumberSelected(clone->GetShapeType(), clone->number);
+        view.Fire<&EventSink::ShapeNumberSelected>(clone->GetShapeType(), clone->number);
     }
 }
 

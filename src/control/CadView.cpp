@@ -127,7 +127,7 @@ bool CadView::DeleteShape(CObjShape* shape, bool fireEvent)
     InvalidateShape(shape, true);
     int32_t number = shape->number;
     owned.reset();
-    if (fireEvent) FireShapeNumberDeleted(number);
+    if (fireEvent) Fire<&EventSink::ShapeNumberDeleted>(number);
     return true;
 }
 
@@ -210,82 +210,12 @@ CObjShape* CadView::CreateShape(int16_t type, int32_t layerNumber)
     return Buf.AddShape(std::move(shape), *this, layerNumber);
 }
 
-void CadView::FireWorldMouseDown(int16_t button, int16_t shift, int16_t action, double x, double y)
-{
-    if (Owner) Owner->WorldMouseDown(button, shift, action, x, y);
-}
-
 void CadView::FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle)
 {
     if (!Owner) return;
     // The only event whose values are rounded to the view's precisions.
     Owner->WorldMouseMove(shift, RoundTo(x, World.WorldCoordPrecision), RoundTo(y, World.WorldCoordPrecision),
                           RoundTo(magnitude, World.WorldCoordPrecision), RoundTo(angle, World.WorldAnglePrecision));
-}
-
-void CadView::FireWorldMouseUp(int16_t button, int16_t shift, double x, double y)
-{
-    if (Owner) Owner->WorldMouseUp(button, shift, x, y);
-}
-
-void CadView::FireWorldMouseSnap(int16_t action, double x, double y)
-{
-    if (Owner) Owner->WorldMouseSnap(action, x, y);
-}
-
-void CadView::FireWorldRectPos(double startX, double startY, double endX, double endY)
-{
-    if (Owner) Owner->WorldRectPos(startX, startY, endX, endY);
-}
-
-void CadView::FirePictureEntry(int32_t shapeNumber)
-{
-    if (Owner) Owner->PictureEntry(shapeNumber);
-}
-
-void CadView::FireDrawBegin(int16_t shapeType, double x, double y)
-{
-    if (Owner) Owner->DrawBegin(shapeType, x, y);
-}
-
-void CadView::FireDrawEnd(int16_t shapeType, double x, double y)
-{
-    if (Owner) Owner->DrawEnd(shapeType, x, y);
-}
-
-void CadView::FireFontOpened(int16_t fontHandle)
-{
-    if (Owner) Owner->FontOpened(fontHandle);
-}
-
-void CadView::FireShapeNumberAdded(int16_t shapeType, int32_t shapeNumber)
-{
-    if (Owner) Owner->ShapeNumberAdded(shapeType, shapeNumber);
-}
-
-void CadView::FireShapeNumberSelected(int16_t shapeType, int32_t shapeNumber)
-{
-    if (Owner) Owner->ShapeNumberSelected(shapeType, shapeNumber);
-}
-
-void CadView::FireDrawRadius(double x, double y)
-{
-    if (Owner) Owner->DrawRadius(x, y);
-}
-
-void CadView::FireShapeNumberDeleted(int32_t shapeNumber)
-{
-    if (Owner) Owner->ShapeNumberDeleted(shapeNumber);
-}
-
-void CadView::FireClick(double x, double y)
-{
-    if (Owner) Owner->Click(x, y);
-}
-
-void CadView::FireDblClick(double x, double y)
-{
-    if (Owner) Owner->DblClick(x, y);
 }
 
 } // namespace bvx

@@ -75,22 +75,14 @@ public:
     };
     ToolStateHooks* Tools = nullptr;
 
-    // The events; each does nothing without a sink.
-    void FireWorldMouseDown(int16_t button, int16_t shift, int16_t action, double x, double y);
+    // Fires an event of the sink, e.g. Fire<&EventSink::ShapeNumberAdded>(type,
+    // number); nothing happens without a sink.
+    template <auto Event, typename... A> void Fire(A... args)
+    {
+        if (Owner) (Owner->*Event)(args...);
+    }
+    // The one event whose values are rounded to the view's precisions.
     void FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle);
-    void FireWorldMouseUp(int16_t button, int16_t shift, double x, double y);
-    void FireWorldMouseSnap(int16_t action, double x, double y);
-    void FireWorldRectPos(double startX, double startY, double endX, double endY);
-    void FirePictureEntry(int32_t shapeNumber);
-    void FireDrawBegin(int16_t shapeType, double x, double y);
-    void FireDrawEnd(int16_t shapeType, double x, double y);
-    void FireFontOpened(int16_t fontHandle);
-    void FireShapeNumberAdded(int16_t shapeType, int32_t shapeNumber);
-    void FireShapeNumberSelected(int16_t shapeType, int32_t shapeNumber);
-    void FireDrawRadius(double x, double y);
-    void FireShapeNumberDeleted(int32_t shapeNumber);
-    void FireClick(double x, double y);
-    void FireDblClick(double x, double y);
 
 private:
     void InvalidateWindow(const DeviceRect* rect, bool erase);

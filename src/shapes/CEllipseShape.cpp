@@ -138,7 +138,7 @@ void CEllipseShape::MoveHandle(int32_t handle, WorldPoint point, CadView& view)
             if (handle == 1 || handle == 3) radiusY = std::fabs(centre.y - point.y);
             if (handle == 2 || handle == 4) radiusX = std::fabs(centre.x - point.x);
         }
-        view.FireDrawRadius(radiusX, radiusY);
+        view.Fire<&EventSink::DrawRadius>(radiusX, radiusY);
     }
     UpdateBounds(view.World);
 }

@@ -19,7 +19,7 @@ TEST(CadViewHeadless, RunsWithoutWindowOrSink)
     view.Buf.Select(shape);
     view.Redraw(4); // ignored too: nothing is deleted
     EXPECT_EQ(view.Buf.FindShape(1), shape);
-    view.FireClick(1, 2); // no sink: quiet
+    view.Fire<&EventSink::Click>(1, 2); // no sink: quiet
     EXPECT_EQ(view.CreateShape(16, 1), nullptr);
     EXPECT_EQ(view.CreateShape(bvxRectangle, 7), nullptr);
 }
@@ -187,7 +187,7 @@ TEST_F(View, MouseMoveEventIsTheOnlyRoundedOne)
     view.World.SetWorldCoordPrecision(2);
     view.World.SetWorldAnglePrecision(1);
     view.FireWorldMouseMove(1, 1.23456, 2.5, 3.14159, 0.777);
-    view.FireClick(1.23456, 2.5);
+    view.Fire<&EventSink::Click>(1.23456, 2.5);
     EXPECT_EQ(sink.events[0], "WorldMouseMove 1 1.23 2.5 3.14 0.8");
     EXPECT_EQ(sink.events[1], "Click 1.23456 2.5");
 }
