@@ -31,12 +31,14 @@ int32_t CadColorTable::ColorIndex(uint32_t oleColor)
     return int32_t(colors_.size() - 1);
 }
 
-ColorRef CadColorTable::ColorOf(int64_t index) const
+uint32_t CadColorTable::StoredColor(int64_t index) const
 {
     if (colors_.empty()) return kBlack;
     if (index < 0 || index >= int64_t(colors_.size())) index = 0;
-    return OleTranslateColor(colors_[size_t(index)]);
+    return colors_[size_t(index)];
 }
+
+ColorRef CadColorTable::ColorOf(int64_t index) const { return OleTranslateColor(StoredColor(index)); }
 
 Pen CadColorTable::PenFor(const ShapeAttr& attr, const CadWorld& world) const
 {

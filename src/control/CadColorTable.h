@@ -21,6 +21,9 @@ public:
     // Through the OLE translation; an index outside the table reads entry 0,
     // and an empty table reads black.
     ColorRef ColorOf(int64_t index) const;
+    // The colour as the table holds it, before any translation; the same
+    // fallbacks as ColorOf.
+    uint32_t StoredColor(int64_t index) const;
     const std::vector<uint32_t>& Colors() const { return colors_; }
     void Clear() { colors_.clear(); }
     void ResetToStartColors();

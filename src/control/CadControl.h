@@ -16,11 +16,16 @@ namespace bvx {
 
 // A member's answer when it is more than a value: another result code, or
 // an output the member leaves unwritten.
+// A put that may refuse the change answers with a result code alone.
+struct Status {
+    HResult code = hresult::Ok;
+};
+
 template <typename T> struct Reply {
     HResult hr = hresult::Ok;
     std::optional<T> value;
-    Reply(T v) : value(std::move(v)) {} // NOLINT: a plain value is the common case
-    Reply(HResult code, std::optional<T> v = std::nullopt) : hr(code), value(std::move(v)) {}
+    static Reply With(T v, HResult code = hresult::Ok) { return {code, std::move(v)}; }
+    static Reply Unwritten(HResult code = hresult::Ok) { return {code, std::nullopt}; }
 };
 
 class CadControl {
@@ -44,7 +49,7 @@ public:
     // ---- the members, one method per row of the table ----
     void Refresh();
     uint32_t GetBackColor();
-    Reply<bool> PutBackColor(uint32_t color);
+    Status PutBackColor(uint32_t color);
 
     double GetWorldLeft();
     void PutWorldLeft(double v);
@@ -69,15 +74,194 @@ public:
     int16_t GetWorldAnglePrecision();
     void PutWorldAnglePrecision(int16_t v);
 
+    void WorldExtents();
+
+    Reply<int32_t> GetViewMouseTool();
+    void PutViewMouseTool(int32_t tool);
+    bool GetViewPersistMouseTool();
+    void PutViewPersistMouseTool(bool on);
+    bool GetViewKeyDelete();
+    void PutViewKeyDelete(bool on);
+    bool GetViewKeyCopy();
+    void PutViewKeyCopy(bool on);
+    bool GetViewKeySelect();
+    void PutViewKeySelect(bool on);
+    int16_t GetViewMouseBounds();
+    void PutViewMouseBounds(int16_t v);
+    bool GetViewShowTracker();
+    void PutViewShowTracker(bool on);
+    bool GetViewDrawOrthogonal();
+    void PutViewDrawOrthogonal(bool on);
+    int16_t GetViewSelectMode();
+    void PutViewSelectMode(int16_t v);
+    int16_t GetViewCopyMode();
+    void PutViewCopyMode(int16_t v);
+    int16_t GetViewShapeMoveMode();
+    void PutViewShapeMoveMode(int16_t v);
+    int32_t GetViewHeight();
+    int32_t GetViewWidth();
+    int32_t GetCadShapeCount();
+    int16_t GetHiddenViewDialogType();
+    void PutHiddenViewDialogType(int16_t v);
+    int32_t GetHiddenViewDialogData();
+    void PutHiddenViewDialogData(int32_t v);
+
+    int16_t GetViewSnapToShape();
+    void PutViewSnapToShape(int16_t v);
+    int16_t GetViewSnapToGrid();
+    void PutViewSnapToGrid(int16_t v);
+    int16_t GetViewSnapMode();
+    void PutViewSnapMode(int16_t v);
+    bool GetViewSnapMarkerOn();
+    void PutViewSnapMarkerOn(bool on);
+    uint32_t GetViewSnapMarkerColor();
+    void PutViewSnapMarkerColor(uint32_t color);
+
+    void GridSet(bool on, double width, double height, uint32_t color);
+    bool GetGridOn();
+    void PutGridOn(bool on);
+    uint32_t GetGridColor();
+    void PutGridColor(uint32_t color);
+    double GetGridWidth();
+    void PutGridWidth(double v);
+    double GetGridHeight();
+    void PutGridHeight(double v);
+    int16_t GetGridDrawOrder();
+    void PutGridDrawOrder(int16_t v);
+
     int32_t DrawLine(double x1, double y1, double x2, double y2, int16_t layer);
     int32_t DrawRectangle(double x1, double y1, double x2, double y2, int16_t layer);
+    int32_t DrawEllipse(double cx, double cy, double rx, double ry, int16_t layer);
+    int32_t DrawCircle(double cx, double cy, double r, int16_t layer);
+    int32_t ShapeAdd(int32_t type, int16_t layer);
 
+    void ShapeDelete(int32_t number);
+    void ShapeSelectDelete();
+    void CadClearShapes(int16_t layer);
+    void CadClearAll();
+
+    bool ShapeSelect(int32_t number, bool add);
+    void ShapeSelectRect(double x1, double y1, double x2, double y2);
+    void ShapeSelectMoveDelta(double dx, double dy);
+    int32_t GetShapeSelectCount();
+    Variant GetShapeSelectNumbers();
+    bool GetShapeIsSelected(int32_t number);
+    int16_t GetShapeSelectType();
+    int16_t GetShapeSelectLayer();
+    int32_t GetShapeSelectNumber();
+    int16_t GetShapeSelectPoint();
+
+    int16_t GetShapeType(int32_t number);
+    int16_t ShapeOnLayer(int32_t number);
+    int32_t ShapeOnGroup(int32_t number);
+    double GetShapeArea(int32_t number);
+    std::u16string GetShapeNotes(int32_t number);
+    void PutShapeNotes(int32_t number, std::u16string notes);
+    int16_t GetShapeSearchMethod(int32_t number);
+    void PutShapeSearchMethod(int32_t number, int16_t method);
+    int16_t GetShapeLineType(int32_t number);
+    void PutShapeLineType(int32_t number, int16_t type);
+    bool GetShapeIsColorSet(int32_t number);
+    void ShapeColorReset(int32_t number);
+    uint32_t GetShapePenFg(int32_t number);
+    void PutShapePenFg(int32_t number, uint32_t color);
+    int16_t GetShapePenWidth(int32_t number);
+    void PutShapePenWidth(int32_t number, int16_t width);
+    int16_t GetShapePenStyle(int32_t number);
+    void PutShapePenStyle(int32_t number, int16_t style);
+    uint32_t GetShapeBrushFg(int32_t number);
+    void PutShapeBrushFg(int32_t number, uint32_t color);
+    uint32_t GetShapeBrushBg(int32_t number);
+    void PutShapeBrushBg(int32_t number, uint32_t color);
+    int16_t GetShapeBrushStyle(int32_t number);
+    void PutShapeBrushStyle(int32_t number, int16_t style);
+    int16_t GetShapeBrushMode(int32_t number);
+    void PutShapeBrushMode(int32_t number, int16_t mode);
+
+    int16_t GetShapePointCount(int32_t number);
+    double ShapePointGetX(int32_t number, int16_t point);
+    double ShapePointGetY(int32_t number, int16_t point);
+    void ShapePointSetX(int32_t number, int16_t point, double x);
+    void ShapePointSetY(int32_t number, int16_t point, double y);
+    void ShapePointSet(int32_t number, int16_t point, double x, double y);
+    int16_t ShapePointGetNearest(int32_t number, double x, double y);
+    void ShapePointSnapToGrid(int32_t number, int16_t point);
+
+    void ShapeToFront(int32_t number);
+    void ShapeToBack(int32_t number);
+    void ShapeZOrderJump(int32_t number, int32_t levels);
+    int32_t GetShapeZOrder(int32_t number);
+    void PutShapeZOrder(int32_t number, int32_t position);
+
+    int32_t ShapeToLayer(int32_t number, int16_t layer, bool copy);
+    int32_t ShapeHitTest(double x, double y, int16_t searchMethod);
+
+    void ShapeTransform(int32_t number, int16_t mode, double pivotX, double pivotY, double angle, double scaleX,
+                        double scaleY, double translateX, double translateY, int16_t reflectMode, int16_t shearMode,
+                        double shear);
+    void LayerTransform(int16_t layer, int16_t mode, double pivotX, double pivotY, double angle, double scaleX,
+                        double scaleY, double translateX, double translateY, int16_t reflectMode, int16_t shearMode,
+                        double shear);
+    void ShapeRotate(int32_t number, int16_t degrees, double pivotX, double pivotY);
+    void ShapeReflect(int32_t number, int16_t mode, double x, double y);
+    void ShapeTranslate(int32_t number, double dx, double dy);
+    void ShapeShear(int32_t number, int16_t mode, double displacement);
+    void ShapeScale(int32_t number, double x, double y, double factorX, double factorY);
+    void LayerRotate(int16_t layer, int16_t degrees, double pivotX, double pivotY);
+    void LayerReflect(int16_t layer, int16_t mode, double x, double y);
+    void LayerTranslate(int16_t layer, double dx, double dy);
+    void LayerShear(int16_t layer, int16_t mode, double displacement);
+    void LayerScale(int16_t layer, double x, double y, double factorX, double factorY);
+
+    int16_t LayerOpen(std::u16string name);
+    bool LayerClose(int16_t layer);
+    bool LayerCopy(int16_t origin, int16_t destination, bool create);
+    int16_t GetLayerNumber();
+    void PutLayerNumber(int16_t layer);
+    int16_t GetLayerCount();
+    int16_t LayerFindByName(std::u16string name);
     std::u16string GetLayerName(int16_t layer);
     void PutLayerName(int16_t layer, std::u16string name);
+    std::u16string GetLayerNames();
+    int16_t GetLayerAction(int16_t layer);
+    void PutLayerAction(int16_t layer, int16_t action);
+    int16_t GetLayerSearchMethod(int16_t type);
+    void PutLayerSearchMethod(int16_t type, int16_t method);
+    uint32_t GetLayerPenFg(int16_t layer);
+    void PutLayerPenFg(int16_t layer, uint32_t color);
+    int16_t GetLayerPenWidth(int16_t layer);
+    void PutLayerPenWidth(int16_t layer, int16_t width);
+    int16_t GetLayerPenStyle(int16_t layer);
+    void PutLayerPenStyle(int16_t layer, int16_t style);
+    uint32_t GetLayerBrushFg(int16_t layer);
+    void PutLayerBrushFg(int16_t layer, uint32_t color);
+    uint32_t GetLayerBrushBg(int16_t layer);
+    void PutLayerBrushBg(int16_t layer, uint32_t color);
+    int16_t GetLayerBrushStyle(int16_t layer);
+    void PutLayerBrushStyle(int16_t layer, int16_t style);
+    int16_t GetLayerBrushMode(int16_t layer);
+    void PutLayerBrushMode(int16_t layer, int16_t mode);
+    int16_t GetLayerLineType(int16_t layer);
+    void PutLayerLineType(int16_t layer, int16_t type);
+    int32_t GetLayerShapeCount(int16_t layer);
+    Variant GetLayerShapeNumbers(int16_t layer);
 
 private:
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
-    int32_t DrawTwoPointShape(int16_t type, double x1, double y1, double x2, double y2, int16_t layer);
+    // Makes a shape of a type on a layer and sets its first two points.
+    int32_t DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer);
+    // The record a write changes: the shape's own, made from the one in force.
+    ShapeAttr& OwnAttr(CObjShape& shape);
+    template <typename Read> auto ReadShapeAttr(int32_t number, Read read) -> decltype(read(ShapeAttr::Default()));
+    template <typename Write> void WriteShapeAttr(int32_t number, Write write);
+    template <typename Read> auto ReadLayerAttr(int16_t layer, Read read) -> decltype(read(ShapeAttr::Default()));
+    template <typename Write> void WriteLayerAttr(int16_t layer, Write write);
+    // The change pattern around one shape: old bounds, change, new bounds.
+    template <typename Change> void ChangeShape(CObjShape& shape, Change change);
+    void TransformShape(CObjShape& shape, const TransformRequest& request);
+    TransformRequest LayerStepRequest(TransformRequest request) const;
+    void TransformLayer(int16_t layer, TransformRequest request);
+    double RoundPoint(const CObjShape& shape, int16_t point, double value) const;
 
     CadView view_;
     uint32_t backColor_ = 0xFFFFFF;

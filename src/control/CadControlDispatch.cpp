@@ -26,6 +26,8 @@ template <> struct AutoTypeOf<std::u16string> { static constexpr AutoType value 
 template <> struct AutoTypeOf<uint32_t> { static constexpr AutoType value = AutoType::Color; };
 template <> struct AutoTypeOf<Variant> { static constexpr AutoType value = AutoType::Variant; };
 template <> struct AutoTypeOf<void> { static constexpr AutoType value = AutoType::Void; };
+template <> struct AutoTypeOf<Status> { static constexpr AutoType value = AutoType::Void; };
+
 template <typename T> struct AutoTypeOf<Reply<T>> : AutoTypeOf<T> {};
 
 // The enumeration is carried as a 32-bit integer.
@@ -101,7 +103,8 @@ using Handler = HResult (*)(CadControl&, std::span<const Variant>, Variant*);
 template <auto Method> struct Bind;
 template <typename R, typename... P, R (CadControl::*Method)(P...)> struct Bind<Method> {
     static constexpr std::array<AutoType, sizeof...(P)> params{AutoTypeOf<std::decay_t<P>>::value...};
-    static constexpr AutoType result = AutoTypeOf<std::decay_t<R>>::value;
+    static constexpr AutoType result =
+        std::is_same_v<R, Status> ? AutoType::Void : AutoTypeOf<std::decay_t<R>>::value;
 
     static HResult Call(CadControl& control, std::span<const Variant> args, Variant* out)
     {
@@ -119,6 +122,8 @@ template <typename R, typename... P, R (CadControl::*Method)(P...)> struct Bind<
         if constexpr (std::is_void_v<R>) {
             (control.*Method)(std::move(std::get<I>(values))...);
             return hresult::Ok;
+        } else if constexpr (std::is_same_v<R, Status>) {
+            return (control.*Method)(std::move(std::get<I>(values))...).code;
         } else {
             return StoreResult((control.*Method)(std::move(std::get<I>(values))...), out);
         }
@@ -160,7 +165,7 @@ constexpr bool SignaturesMatch()
             if (!SameType(row.args[a].type, b.params[a])) return false;
         if (row.kind == Kind::PropertyPut) {
             if (!SameType(row.result, b.params.back())) return false;
-            if (b.result != AutoType::Void && b.result != AutoType::Bool) return false;
+            if (b.result != AutoType::Void) return false;
         } else if (!SameType(row.result, b.result)) {
             return false;
         }

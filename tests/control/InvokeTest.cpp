@@ -1,0 +1,298 @@
+#include "HostDoubles.h"
+#include "VariantPrint.h"
+#include "control/CadControl.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace bvx {
+namespace {
+
+using members::Kind;
+using testing::RecordingEventSink;
+using testing::RecordingHostWindow;
+
+// A host's view of the control: everything goes through Invoke by name.
+class Host : public ::testing::Test {
+protected:
+    Host() : control(&window, &sink) { control.View().World.SetClientRect({0, 0, 101, 101}); }
+
+    Variant Call(std::u16string_view name, std::vector<Variant> args = {}, HResult expect = hresult::Ok)
+    {
+        Variant result;
+        EXPECT_EQ(control.Invoke(name, Kind::Method, args, &result), expect) << ToUtf8(std::u16string(name));
+        return result;
+    }
+    Variant Get(std::u16string_view name, std::vector<Variant> args = {}, HResult expect = hresult::Ok)
+    {
+        Variant result = Variant::Error(777);
+        EXPECT_EQ(control.Invoke(name, Kind::PropertyGet, args, &result), expect) << ToUtf8(std::u16string(name));
+        return result;
+    }
+    void Put(std::u16string_view name, std::vector<Variant> args, HResult expect = hresult::Ok)
+    {
+        EXPECT_EQ(control.Invoke(name, Kind::PropertyPut, args, nullptr), expect) << ToUtf8(std::u16string(name));
+    }
+    static Variant I(int32_t v) { return Variant::I4(v); }
+    static Variant R(double v) { return Variant::R8(v); }
+    static Variant S(std::u16string v) { return Variant::String(std::move(v)); }
+
+    RecordingHostWindow window;
+    RecordingEventSink sink;
+    CadControl control;
+};
+
+TEST_F(Host, NamesMatchWhateverTheirCase)
+{
+    EXPECT_EQ(Get(u"layercount"), Variant::I2(2));
+    EXPECT_EQ(Get(u"LAYERNAMES"), S(u"Buffer Layer,Layer 1,"));
+    Variant unused;
+    EXPECT_EQ(control.Invoke(u"NoSuchMember", Kind::Method, {}, &unused), hresult::UnknownName);
+    EXPECT_EQ(control.Invoke(9999, Kind::Method, {}, &unused), hresult::MemberNotFound);
+    EXPECT_EQ(control.Invoke(u"LayerCount", Kind::Method, {}, &unused), hresult::MemberNotFound);
+}
+
+TEST_F(Host, BooleansTakeAnyNonZeroAndGiveMinusOne)
+{
+    Put(u"WorldSquare", {Variant::I2(0)});
+    EXPECT_EQ(Get(u"WorldSquare"), Variant::Bool(false));
+    EXPECT_EQ(Get(u"WorldSquare").Integer(), 0);
+    Put(u"WorldSquare", {Variant::I2(1)});
+    EXPECT_EQ(Get(u"WorldSquare").Integer(), -1);
+    Put(u"WorldSquare", {Variant::I2(0)});
+    Put(u"WorldSquare", {Variant::I4(-1)});
+    EXPECT_EQ(Get(u"WorldSquare").Integer(), -1);
+    Put(u"ViewShowTracker", {S(u"False")});
+    EXPECT_EQ(Get(u"ViewShowTracker").Integer(), 0);
+}
+
+TEST_F(Host, ArgumentsConvertAsThePlatformDoes)
+{
+    // Integers round half to even.
+    Put(u"WorldCoordPrecision", {R(2.5)});
+    EXPECT_EQ(Get(u"WorldCoordPrecision"), Variant::I2(2));
+    Put(u"WorldCoordPrecision", {R(3.5)});
+    EXPECT_EQ(Get(u"WorldCoordPrecision"), Variant::I2(4));
+    Put(u"WorldCoordPrecision", {S(u" 5 ")});
+    EXPECT_EQ(Get(u"WorldCoordPrecision"), Variant::I2(5));
+    Put(u"WorldCoordPrecision", {I(40000)}, hresult::Overflow);
+    Put(u"WorldCoordPrecision", {S(u"five")}, hresult::TypeMismatch);
+    EXPECT_EQ(Get(u"WorldCoordPrecision"), Variant::I2(5)); // a refused put changes nothing
+    Call(u"DrawLine", {R(0), R(0), S(u"abc"), R(1)}, hresult::TypeMismatch);
+    Call(u"DrawLine", {R(0), R(0), R(1)}, hresult::ParamNotOptional);
+    Call(u"DrawLine", {R(0), R(0), R(1), R(1), I(1), I(1)}, hresult::BadParamCount);
+    Call(u"DrawLine", {R(0), R(0), Variant::Missing(), R(1), I(1)}, hresult::ParamNotOptional);
+    EXPECT_EQ(Get(u"CadShapeCount"), I(0));
+}
+
+TEST_F(Host, OmittedLayerPutsShapesOnTheBufferLayer)
+{
+    Variant first = Call(u"DrawLine", {R(0), R(0), R(10), R(10)});
+    Variant second = Call(u"DrawLine", {R(0), R(0), R(10), R(10), Variant::Missing()});
+    Variant third = Call(u"DrawLine", {R(0), R(0), R(10), R(10), I(1)});
+    EXPECT_EQ(first, I(1));
+    EXPECT_EQ(Call(u"ShapeOnLayer", {first}), Variant::I2(0));
+    EXPECT_EQ(Call(u"ShapeOnLayer", {second}), Variant::I2(0));
+    EXPECT_EQ(Call(u"ShapeOnLayer", {third}), Variant::I2(1));
+    EXPECT_EQ(Get(u"LayerShapeCount", {I(0)}), I(2));
+    EXPECT_EQ(Call(u"DrawLine", {R(0), R(0), R(10), R(10), I(5)}), I(-1));
+    EXPECT_EQ(Call(u"ShapeHitTest", {R(5), R(5)}), I(3)); // the Buffer Layer is never searched
+}
+
+TEST_F(Host, PropertiesWithArgumentsReadAndWrite)
+{
+    Put(u"LayerName", {I(1), S(u"Walls")});
+    EXPECT_EQ(Get(u"LayerName", {I(1)}), S(u"Walls"));
+    EXPECT_EQ(Get(u"LayerNames"), S(u"Buffer Layer,Walls,"));
+    Put(u"LayerName", {S(u"Walls")}, hresult::ParamNotOptional);
+    Variant n = Call(u"DrawRectangle", {R(10), R(10), R(30), R(30), I(1)});
+    Put(u"ShapeNotes", {n, S(u"door")});
+    EXPECT_EQ(Get(u"ShapeNotes", {n}), S(u"door"));
+    EXPECT_EQ(Get(u"ShapeArea", {n}), R(400));
+}
+
+TEST_F(Host, ModePropertiesStoreWhatTheirRowsSay)
+{
+    struct Case {
+        std::u16string name;
+        int32_t put;
+        Variant read;
+    };
+    const Case cases[] = {
+        {u"ViewSnapToGrid", 3, Variant::I2(-1)}, {u"ViewSnapToGrid", 2, Variant::I2(2)},
+        {u"ViewSnapMode", 3, Variant::I2(0)},    {u"WorldCoordPrecision", 9, Variant::I2(8)},
+        {u"WorldAnglePrecision", -1, Variant::I2(8)}, {u"AngleMode", 2, Variant::I2(0)},
+        {u"ViewSelectMode", 5, Variant::I2(0)}, {u"ViewCopyMode", 1, Variant::I2(1)},
+        {u"ViewShapeMoveMode", 3, Variant::I2(0)}, {u"ViewMouseBounds", 2, Variant::I2(0)},
+        {u"ViewSnapToShape", 7, Variant::I2(7)},
+    };
+    for (const Case& c : cases) {
+        Put(c.name, {I(c.put)});
+        EXPECT_EQ(Get(c.name), c.read) << ToUtf8(c.name) << " = " << c.put;
+    }
+    Put(u"GridDrawOrder", {I(1)});
+    Put(u"GridDrawOrder", {I(5)}); // ignored
+    EXPECT_EQ(Get(u"GridDrawOrder"), Variant::I2(1));
+}
+
+TEST_F(Host, AToolWithoutAClassIsStoredButNotRead)
+{
+    Put(u"ViewMouseTool", {I(16)});
+    EXPECT_EQ(control.View().CurrentTool, 16);
+    EXPECT_EQ(Get(u"ViewMouseTool"), Variant::Error(777)); // the output is left alone
+    Put(u"ViewMouseTool", {I(bvxEllipse)});
+    EXPECT_EQ(Get(u"ViewMouseTool"), I(bvxEllipse));
+    Put(u"ViewPersistMouseTool", {Variant::Bool(false)});
+    EXPECT_EQ(Get(u"ViewMouseTool"), I(bvxSelect));
+}
+
+TEST_F(Host, DegreeModeTurnsTransformsTwiceButRotateOnce)
+{
+    Put(u"AngleMode", {I(1)});
+    Variant a = Call(u"DrawLine", {R(0), R(0), R(10), R(0), I(1)});
+    Variant b = Call(u"DrawLine", {R(0), R(0), R(10), R(0), I(1)});
+    Call(u"ShapeRotate", {a, Variant::I2(90), R(0), R(0)});
+    EXPECT_NEAR(Call(u"ShapePointGetY", {a, I(1)}).Real(), 10, 1e-6);
+    Call(u"ShapeTransform", {b, I(1), R(0), R(0), R(90), R(1), R(1), R(0), R(0), I(0), I(0), R(0)});
+    double turned = std::atan2(Call(u"ShapePointGetY", {b, I(1)}).Real(), Call(u"ShapePointGetX", {b, I(1)}).Real());
+    EXPECT_NEAR(turned * 57.29577951308232, 90 * 0.01745329252, 1e-4); // a little over one and a half degrees
+    // Layer forms take the same extra step as ShapeTransform.
+    Call(u"LayerRotate", {I(1), I(90), R(0), R(0)});
+    EXPECT_NEAR(Call(u"ShapePointGetY", {a, I(1)}).Real(), 10 * std::cos(90 * 0.01745329252 * 0.01745329252), 1e-4);
+}
+
+TEST_F(Host, ScaleIgnoresVanishingFactorsOnlyInTheShapeForm)
+{
+    Variant n = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    Call(u"ShapeScale", {n, R(10), R(10), R(0), R(2)});
+    EXPECT_EQ(Call(u"ShapePointGetX", {n, I(1)}), R(20)); // factor 0 counted as 1
+    EXPECT_EQ(Call(u"ShapePointGetY", {n, I(1)}), R(30));
+    Call(u"LayerScale", {I(1), R(10), R(10), R(0), R(2)}); // passed as is: the step is skipped
+    EXPECT_EQ(Call(u"ShapePointGetY", {n, I(1)}), R(30));
+}
+
+TEST_F(Host, DesignTimeGatesTheRowsThatSaySo)
+{
+    Variant n = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    window.userMode = false;
+    EXPECT_EQ(Get(u"ShapeArea", {n}, hresult::GetNotSupported), Variant::Error(777));
+    EXPECT_EQ(Get(u"LayerCount", {}, hresult::GetNotSupported), Variant::Error(777));
+    EXPECT_EQ(Get(u"GridOn"), Variant::Bool(false)); // not gated
+    Put(u"LayerNumber", {I(1)});                    // puts are never gated
+    window.userMode = true;
+    EXPECT_EQ(Get(u"ShapeArea", {n}), R(100));
+    CadControl headless; // no window: run time
+    EXPECT_TRUE(headless.UserMode());
+}
+
+TEST_F(Host, SelectionMembers)
+{
+    Variant a = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    Variant b = Call(u"DrawCircle", {R(60), R(60), R(5), I(1)});
+    sink.events.clear();
+    EXPECT_EQ(Call(u"ShapeSelect", {b, Variant::Bool(false)}), Variant::Bool(true));
+    EXPECT_EQ(Call(u"ShapeSelect", {a, I(1)}), Variant::Bool(true));
+    EXPECT_EQ(Call(u"ShapeSelect", {I(42), I(1)}), Variant::Bool(false));
+    EXPECT_EQ(Get(u"ShapeSelectNumbers"), Variant::Array1D(VarType::I4, {b, a}));
+    EXPECT_EQ(Get(u"ShapeSelectNumbers").TypeWord(), 8195);
+    EXPECT_EQ(Get(u"ShapeSelectNumber"), a);
+    EXPECT_EQ(Get(u"ShapeSelectType"), Variant::I2(bvxRectangle));
+    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberSelected 19 2", "ShapeNumberSelected 1 1"}));
+    Call(u"ShapeSelectMoveDelta", {R(5), R(0)});
+    EXPECT_EQ(Call(u"ShapePointGetX", {b, I(0)}), R(65));
+    Call(u"ShapeSelectRect", {R(0), R(100), R(40), R(0)});
+    EXPECT_EQ(Get(u"ShapeSelectCount"), I(1));
+    EXPECT_EQ(Call(u"ShapeSelect", {I(-1), I(0)}), Variant::Bool(true));
+    EXPECT_EQ(Get(u"ShapeSelectCount"), I(0));
+    EXPECT_EQ(Get(u"ShapeSelectPoint"), Variant::I2(-1));
+}
+
+TEST_F(Host, AttributesOfShapesAndLayers)
+{
+    Variant n = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    EXPECT_EQ(Get(u"ShapeIsColorSet", {n}), Variant::Bool(false));
+    Put(u"LayerPenFg", {I(1), I(0x0000FF)});
+    EXPECT_EQ(Get(u"ShapePenFg", {n}), I(0x0000FF)); // inherited
+    Put(u"ShapePenWidth", {n, I(19)});                // four bits: 3
+    EXPECT_EQ(Get(u"ShapePenWidth", {n}), Variant::I2(3));
+    EXPECT_EQ(Get(u"ShapeIsColorSet", {n}), Variant::Bool(true));
+    Put(u"LayerPenFg", {I(1), I(0x00FF00)}); // the shape took a copy: no longer follows
+    EXPECT_EQ(Get(u"ShapePenFg", {n}), I(0x0000FF));
+    Put(u"ShapeBrushMode", {n, I(4)});
+    EXPECT_EQ(Get(u"ShapeBrushMode", {n}), Variant::I2(2));
+    Put(u"ShapeBrushMode", {n, I(7)});
+    EXPECT_EQ(Get(u"ShapeBrushMode", {n}), Variant::I2(1));
+    Call(u"ShapeColorReset", {n});
+    EXPECT_EQ(Get(u"ShapeIsColorSet", {n}), Variant::Bool(false));
+    EXPECT_EQ(Get(u"ShapePenFg", {n}), I(0x00FF00));
+    // Background indexes keep five bits: the 33rd colour wraps.
+    for (int i = 0; i < 12; ++i) Put(u"ShapeBrushFg", {n, I(0x010101 * (i + 1))});
+    Put(u"ShapeBrushBg", {n, I(0x123456)});
+    EXPECT_NE(Get(u"ShapeBrushBg", {n}), I(0x123456));
+    Put(u"LayerLineType", {I(1), I(9)});
+    EXPECT_EQ(Get(u"LayerLineType", {I(1)}), Variant::I2(0));
+}
+
+TEST_F(Host, LayersAndZOrder)
+{
+    EXPECT_EQ(Call(u"LayerOpen", {S(u"X")}), Variant::I2(2));
+    EXPECT_EQ(Call(u"LayerOpen", {S(u"X")}), Variant::I2(3));
+    EXPECT_EQ(Call(u"LayerFindByName", {S(u"X")}), Variant::I2(2));
+    EXPECT_EQ(Get(u"LayerNumber"), Variant::I2(2));
+    EXPECT_EQ(Call(u"LayerClose", {I(0)}), Variant::Bool(false));
+    EXPECT_EQ(Call(u"LayerClose", {I(3)}), Variant::Bool(true));
+    Variant a = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    Variant b = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    Call(u"ShapeToFront", {a});
+    EXPECT_EQ(Get(u"ShapeZOrder", {a}), I(1));
+    EXPECT_EQ(Get(u"LayerShapeNumbers", {I(1)}), Variant::Array1D(VarType::I4, {b, a}));
+    EXPECT_EQ(Call(u"LayerCopy", {I(1), I(7), Variant::Bool(true)}), Variant::Bool(true));
+    EXPECT_EQ(Get(u"LayerShapeCount", {I(3)}), I(2));
+    EXPECT_EQ(Get(u"LayerName", {I(3)}), S(u"Layer 1"));
+    Variant moved = Call(u"ShapeToLayer", {a, I(2), Variant::Bool(false)});
+    EXPECT_EQ(moved, a);
+    EXPECT_EQ(Call(u"ShapeOnLayer", {a}), Variant::I2(2));
+    Variant copied = Call(u"ShapeToLayer", {b, I(2), Variant::Bool(true)});
+    EXPECT_EQ(copied, I(5)); // after the two copies made by LayerCopy
+    EXPECT_EQ(Get(u"CadShapeCount"), I(5));
+}
+
+TEST_F(Host, ClearingAll)
+{
+    Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
+    Call(u"LayerOpen", {S(u"More")});
+    Call(u"CadClearAll");
+    EXPECT_EQ(Get(u"LayerCount"), Variant::I2(2));
+    EXPECT_EQ(Get(u"ShapeType", {I(1)}), Variant::I2(0));
+    EXPECT_EQ(control.View().Colors().size(), 0u); // colours come back as they are used
+    EXPECT_EQ(Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)}), I(1));
+    Put(u"LayerPenFg", {I(1), I(0x00AA00)});
+    EXPECT_EQ(Get(u"LayerPenFg", {I(1)}), I(0x00AA00));
+}
+
+TEST_F(Host, WorldMembers)
+{
+    EXPECT_EQ(Get(u"ViewWidth"), I(101));
+    Call(u"WorldSet", {R(0), R(200), R(200), R(0)});
+    EXPECT_EQ(Get(u"WorldRight"), R(200));
+    EXPECT_EQ(Get(u"WorldToAbsX", {R(100)}), I(50));
+    EXPECT_EQ(Get(u"AbsToWorldY", {I(50)}), R(100));
+    Call(u"WorldPan", {R(10), R(0)});
+    EXPECT_EQ(Get(u"WorldLeft"), R(10));
+    Call(u"DrawRectangle", {R(40), R(60), R(60), R(40), I(1)});
+    Call(u"WorldExtents");
+    EXPECT_EQ(Get(u"WorldLeft"), R(40));
+    EXPECT_EQ(Get(u"WorldRight"), R(60));
+    EXPECT_EQ(Get(u"WorldTop"), R(60));
+    Call(u"GridSet", {Variant::Bool(true), R(0), R(10), I(5)}); // refused: a size is not positive
+    EXPECT_EQ(Get(u"GridOn"), Variant::Bool(false));
+    Call(u"GridSet", {Variant::Bool(true), R(5), R(5), I(5)});
+    EXPECT_EQ(Get(u"GridOn"), Variant::Bool(true));
+    Variant n = Call(u"DrawRectangle", {R(41), R(41), R(53), R(53), I(1)});
+    Call(u"ShapePointSnapToGrid", {n, I(1)});
+    EXPECT_EQ(Call(u"ShapePointGetX", {n, I(1)}), R(55));
+}
+
+} // namespace
+} // namespace bvx

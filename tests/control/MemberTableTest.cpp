@@ -1,0 +1,216 @@
+#include "HostDoubles.h"
+#include "VariantPrint.h"
+#include "control/CadControl.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace bvx {
+namespace {
+
+using members::AutoType;
+using members::Kind;
+using members::MemberRow;
+
+struct HandRow {
+    std::string name;
+    std::string kind;
+    std::string neutral;
+};
+
+// The hand-written list: dispid, name, kind and, where given, the value a
+// read of an unknown shape gives.
+struct HandList {
+    std::map<int32_t, HandRow> memberRows;
+    std::map<int32_t, HandRow> eventRows;
+};
+
+const HandList& Hand()
+{
+    static const HandList list = [] {
+        HandList l;
+        std::ifstream in(BVX_TEST_DATA_DIR "/members.txt");
+        for (std::string line; std::getline(in, line);) {
+            if (line.empty() || line[0] == '#') continue;
+            std::istringstream words(line);
+            int32_t id = 0;
+            HandRow row;
+            words >> id >> row.name >> row.kind;
+            words >> row.neutral;
+            (row.kind == "event" ? l.eventRows : l.memberRows)[id] = row;
+        }
+        return l;
+    }();
+    return list;
+}
+
+TEST(MemberTable, EveryRowMatchesTheHandWrittenList)
+{
+    ASSERT_EQ(Hand().memberRows.size(), 177u);
+    ASSERT_EQ(Hand().eventRows.size(), 15u);
+    std::map<int32_t, std::set<Kind>> kinds;
+    for (const MemberRow& row : members::kMemberRows) {
+        auto it = Hand().memberRows.find(row.dispid);
+        ASSERT_NE(it, Hand().memberRows.end()) << "no member " << row.dispid << " in the list: " << row.name;
+        EXPECT_EQ(it->second.name, row.name) << "dispid " << row.dispid;
+        EXPECT_TRUE(kinds[row.dispid].insert(row.kind).second) << row.name << " twice";
+        EXPECT_FALSE(row.summary.empty()) << row.name;
+    }
+    for (const auto& [id, set] : kinds) {
+        const std::string& kind = Hand().memberRows.at(id).kind;
+        std::string ours = set.count(Kind::Method) ? "method" : set.count(Kind::PropertyPut) ? "getput" : "get";
+        EXPECT_EQ(ours, kind) << Hand().memberRows.at(id).name;
+        if (ours == "getput") {
+            EXPECT_TRUE(set.count(Kind::PropertyGet));
+        }
+    }
+    ASSERT_EQ(std::size(members::kEventRows), 15u);
+    for (const auto& event : members::kEventRows) {
+        auto it = Hand().eventRows.find(event.dispid);
+        ASSERT_NE(it, Hand().eventRows.end()) << event.name;
+        EXPECT_EQ(it->second.name, event.name);
+    }
+}
+
+// A text picture of everything a member could change.
+std::string Fingerprint(CadControl& control)
+{
+    CadView& v = control.View();
+    std::ostringstream out;
+    out << v.Colors().size() << '|' << v.World.WorldLeft << ',' << v.World.WorldTop << ',' << v.World.WorldRight
+        << ',' << v.World.WorldBottom << '|' << v.Buf.CurrentLayerNumber << '|' << v.Buf.NextShapeNumber << '|';
+    for (const auto& layer : v.Buf.Layers) {
+        out << ToUtf8(layer->Name) << ':' << layer->Action << ':' << layer->LineType << ':'
+            << (layer->Attr ? layer->Attr->Word0() : 0) << ':' << (layer->Attr ? layer->Attr->Word1() : 0) << '[';
+        for (const auto& s : layer->Shapes) {
+            WorldPoint p0 = s->GetPoint(0, v), p1 = s->GetPoint(1, v);
+            out << s->number << '/' << s->GetShapeType() << '/' << p0.x << ',' << p0.y << ',' << p1.x << ',' << p1.y
+                << '/' << (s->attr ? s->attr->Word0() : 0) << '/' << int(s->selected) << '/' << ToUtf8(s->notes)
+                << ';';
+        }
+        out << ']';
+    }
+    for (const CObjShape* s : v.Buf.Selection) out << s->number << ',';
+    return out.str();
+}
+
+// An argument of each type for the rows that take more than a number.
+Variant Filler(AutoType type)
+{
+    switch (type) {
+    case AutoType::I2: return Variant::I2(1);
+    case AutoType::I4: return Variant::I4(1);
+    case AutoType::R8: return Variant::R8(1.5);
+    case AutoType::Bool: return Variant::Bool(true);
+    case AutoType::Bstr: return Variant::String(u"x");
+    case AutoType::Color: return Variant::I4(0x123456);
+    case AutoType::Tool: return Variant::I4(1);
+    default: return Variant();
+    }
+}
+
+Variant Expected(const std::string& neutral, AutoType type)
+{
+    if (neutral == "\"\"") return Variant::String(u"");
+    Variant v;
+    ChangeType(Variant::String(FromUtf8(neutral)), VarType::R8, v);
+    Variant typed;
+    switch (type) {
+    case AutoType::Bool: return Variant::Bool(v.Real() != 0);
+    case AutoType::I2: ChangeType(v, VarType::I2, typed); return typed;
+    case AutoType::R8: return v;
+    default: ChangeType(v, VarType::I4, typed); return typed;
+    }
+}
+
+class KeyedRows : public ::testing::TestWithParam<const MemberRow*> {
+protected:
+    // A drawing with something on each layer, a selection and colours.
+    void SetUp() override
+    {
+        control.View().World.SetClientRect({0, 0, 101, 101});
+        control.DrawRectangle(10, 10, 40, 40, 1);
+        control.DrawEllipse(60, 60, 10, 5, 1);
+        control.LayerOpen(u"Two");
+        control.DrawLine(0, 0, 50, 50, 2);
+        control.ShapeSelect(1, false);
+    }
+    CadControl control;
+};
+
+std::vector<const MemberRow*> RowsKeyedBy(std::string_view firstArg, bool propertiesOnly)
+{
+    std::vector<const MemberRow*> rows;
+    for (const MemberRow& row : members::kMemberRows)
+        if (!row.args.empty() && row.args[0].name == firstArg && (!propertiesOnly || row.kind != Kind::Method))
+            rows.push_back(&row);
+    return rows;
+}
+
+std::string RowName(const ::testing::TestParamInfo<const MemberRow*>& info)
+{
+    return std::string(info.param->name) + (info.param->kind == Kind::PropertyPut ? "_put" : "");
+}
+
+class UnknownShape : public KeyedRows {};
+
+// An unknown shape number is no error: reads give their row's neutral
+// value, and nothing at all changes.
+TEST_P(UnknownShape, GivesTheNeutralValueAndChangesNothing)
+{
+    const MemberRow& row = *GetParam();
+    std::vector<Variant> args{Variant::I4(9999)};
+    for (size_t i = 1; i < row.args.size(); ++i) args.push_back(Filler(row.args[i].type));
+    if (row.kind == Kind::PropertyPut) args.push_back(Filler(row.result));
+    std::string before = Fingerprint(control);
+    Variant result = Variant::Error(12345);
+    EXPECT_EQ(control.Invoke(row.dispid, row.kind, args, &result), hresult::Ok);
+    EXPECT_EQ(Fingerprint(control), before);
+    const HandRow& hand = Hand().memberRows.at(row.dispid);
+    if (row.kind == Kind::PropertyPut || row.result == AutoType::Void) {
+        EXPECT_EQ(result, Variant::Error(12345)) << "nothing to read";
+    } else {
+        ASSERT_FALSE(hand.neutral.empty()) << row.name << " needs its neutral value in members.txt";
+        EXPECT_EQ(result, Expected(hand.neutral, row.result)) << row.name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, UnknownShape, ::testing::ValuesIn(RowsKeyedBy("ShapeNumber", false)), RowName);
+
+class BadLayer : public KeyedRows {};
+
+// The layer properties answer a bad layer as for an unknown shape.
+TEST_P(BadLayer, AnswersAsForAnUnknownShape)
+{
+    const MemberRow& row = *GetParam();
+    std::vector<Variant> args{Variant::I2(77)};
+    if (row.kind == Kind::PropertyPut) args.push_back(Filler(row.result));
+    std::string before = Fingerprint(control);
+    Variant result = Variant::Error(12345);
+    EXPECT_EQ(control.Invoke(row.dispid, row.kind, args, &result), hresult::Ok);
+    EXPECT_EQ(Fingerprint(control), before);
+    if (row.kind == Kind::PropertyPut) return;
+    std::string shapeTwin = "Shape" + std::string(row.name.substr(5));
+    auto twin = std::find_if(Hand().memberRows.begin(), Hand().memberRows.end(),
+                             [&](const auto& e) { return e.second.name == shapeTwin; });
+    std::string neutral = twin != Hand().memberRows.end() ? twin->second.neutral : "";
+    if (row.name == "LayerName") neutral = "\"\"";
+    if (row.name == "LayerShapeCount") neutral = "-1";
+    if (row.name == "LayerAction") neutral = "0";
+    if (row.name == "LayerShapeNumbers") {
+        EXPECT_EQ(result.TypeWord(), 8195);
+        EXPECT_FALSE(result.HasArrayData());
+        return;
+    }
+    ASSERT_FALSE(neutral.empty()) << row.name;
+    EXPECT_EQ(result, Expected(neutral, row.result)) << row.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, BadLayer, ::testing::ValuesIn(RowsKeyedBy("LayerNumber", true)), RowName);
+
+} // namespace
+} // namespace bvx
