@@ -108,10 +108,6 @@ bool ValidPen(const Pen& pen)
 
 Paint BrushPaint(const Brush* brush, Rop2 rop, BackMode mode, ColorRef back)
 {
-    // These operations ignore the brush's colour; they paint even with a
-    // null brush, as PatBlt's BLACKNESS and WHITENESS do.
-    if (rop == Rop2::Black || rop == Rop2::White || rop == Rop2::Not || rop == Rop2::Nop)
-        return Paint::Solid(raster::MasksFor(rop, 0));
     if (!brush) return Paint::Nop();
     switch (brush->style) {
     case BrushStyle::Solid: return Paint::Solid(raster::MasksFor(rop, brush->color));
@@ -274,7 +270,6 @@ bool RasterDeviceContext::StrokeAndFill(const Stroke& stroke, bool closed, int i
     const Paint brush = interiorKind == kNoInterior
                             ? Paint::Nop()
                             : BrushPaint(state_.brush.get(), state_.rop2, state_.backMode, state_.backColor);
-    // Rops that ignore the brush still need a brush to paint an interior.
     const bool fill = interiorKind != kNoInterior && state_.brush && state_.brush->style != BrushStyle::Null &&
                       !brush.IsNop();
 
@@ -506,7 +501,13 @@ bool RasterDeviceContext::PatRect(int64_t x, int64_t y, int64_t width, int64_t h
                           int32_t(std::clamp<int64_t>(r, clip.left, clip.right)),
                           int32_t(std::clamp<int64_t>(b, clip.top, clip.bottom))};
     if (rect.IsEmpty()) return true;
-    BrushPaint(brush, rop, state_.backMode, state_.backColor).Rect(*state_.bitmap, rect);
+    // The operations that ignore the pattern paint the whole rectangle
+    // whatever the brush (BLACKNESS, WHITENESS, DSTINVERT even with a null
+    // brush); the others go through the brush, hatch gaps included.
+    const bool patternFree = rop == Rop2::Black || rop == Rop2::White || rop == Rop2::Not || rop == Rop2::Nop;
+    const Paint paint = patternFree ? Paint::Solid(raster::MasksFor(rop, 0))
+                                    : BrushPaint(brush, rop, state_.backMode, state_.backColor);
+    paint.Rect(*state_.bitmap, rect);
     return true;
 }
 

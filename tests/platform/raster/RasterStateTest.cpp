@@ -197,3 +197,26 @@ TEST(Device, CompatibleContextStartsWithoutABitmap)
 
 } // namespace
 } // namespace bvx
+
+namespace bvx {
+namespace {
+
+// Shapes fill through the brush's pattern whatever the ROP2: with R2_BLACK
+// a transparent hatch blackens its lines only. PatBlt's BLACKNESS, by
+// contrast, ignores the brush.
+TEST(Brush, HatchWithBlackRopKeepsItsGapsInShapesButNotInPatBlt)
+{
+    test::Surface s(16, 16, 0x3366CC);
+    s.dc.SetBkMode(BackMode::Transparent);
+    s.dc.SetROP2(Rop2::Black);
+    s.dc.SelectPen(CreatePen(PenStyle::Null, 0, 0));
+    s.dc.SelectBrush(CreateHatchBrush(HatchStyle::Horizontal, 0x00FF00));
+    s.dc.Rectangle(0, 0, 17, 17);
+    EXPECT_EQ(s.bitmap->Pixel(5, 3), kBlack);     // a hatch line
+    EXPECT_EQ(s.bitmap->Pixel(5, 4), 0x3366CCu);  // a gap, left alone
+    s.dc.PatBlt(0, 8, 16, 8, RasterOp::Blackness);
+    EXPECT_EQ(s.bitmap->Pixel(5, 12), kBlack);
+}
+
+} // namespace
+} // namespace bvx
