@@ -34,9 +34,9 @@ Bytes WithField(Bytes file, size_t offset, uint32_t value)
 
 Bytes Sized(const Bytes& file, uint32_t length)
 {
-    Bytes out(4);
+    Bytes out(4 + file.size());
     StoreLe32(out.data(), length);
-    out.insert(out.end(), file.begin(), file.end());
+    std::copy(file.begin(), file.end(), out.begin() + 4);
     return out;
 }
 

@@ -7,6 +7,7 @@
 #include "platform/raster/RasterDeviceContext.h"
 #include "raster/Dib.h"
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -67,11 +68,12 @@ inline std::vector<uint8_t> PackedDib(int32_t width, int32_t height, uint16_t bi
 // "BM", the file size and the offset of the bits ahead of a packed DIB.
 inline std::vector<uint8_t> AsBmpFile(const std::vector<uint8_t>& packed, uint32_t tableBytes)
 {
-    std::vector<uint8_t> file(kBmpFileHeaderSize);
+    // Sized once and copied into: GCC 12 misreads a growing insert here.
+    std::vector<uint8_t> file(kBmpFileHeaderSize + packed.size());
     StoreLe16(file.data(), kBmpSignature);
-    StoreLe32(file.data() + 2, uint32_t(file.size() + packed.size()));
+    StoreLe32(file.data() + 2, uint32_t(file.size()));
     StoreLe32(file.data() + 10, uint32_t(kBmpFileHeaderSize + LoadLe32(packed.data()) + tableBytes));
-    file.insert(file.end(), packed.begin(), packed.end());
+    std::copy(packed.begin(), packed.end(), file.begin() + kBmpFileHeaderSize);
     return file;
 }
 
