@@ -115,11 +115,14 @@ TEST(Image2Output, WritesARealFile)
         ASSERT_TRUE(image.FlushOutput());
         ASSERT_TRUE(image.CloseOutput());
     }
-    const std::unique_ptr<FileSource> source = FileSource::Open(path.string());
-    ASSERT_TRUE(source);
-    std::vector<uint8_t> back(size_t(source->Size()));
-    EXPECT_TRUE(source->ReadExact(back.data(), back.size()));
-    EXPECT_EQ(back, data);
+    {
+        // Closed before the removal: Windows will not remove an open file.
+        const std::unique_ptr<FileSource> source = FileSource::Open(path.string());
+        ASSERT_TRUE(source);
+        std::vector<uint8_t> back(size_t(source->Size()));
+        EXPECT_TRUE(source->ReadExact(back.data(), back.size()));
+        EXPECT_EQ(back, data);
+    }
     std::filesystem::remove(path);
 }
 
