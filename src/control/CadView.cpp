@@ -10,8 +10,6 @@ namespace {
 constexpr int32_t kShapeMargin = 4;
 constexpr int32_t kSnapMarkerMargin = 9;
 constexpr int32_t kCaretSize = 6;
-constexpr int16_t kPolyToolsFirst = 5;
-constexpr int16_t kPolyToolsLast = 10;
 } // namespace
 
 CadView::CadView(HostWindow* window, EventSink* sink) : Owner(sink), Window(window)
