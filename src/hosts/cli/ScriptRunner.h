@@ -1,0 +1,51 @@
+// Runs bvxcad scripts against a control: each line's member call goes
+// through CadControl::Invoke by name, results and host output are printed,
+// and the first failing line stops the script.
+#pragma once
+
+#include "EventLog.h"
+#include "ScriptParser.h"
+#include "control/CadControl.h"
+
+#include <istream>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace bvx::script {
+
+struct ScriptError {
+    int line = 0;
+    std::string message;
+
+    std::string ToString() const { return "line " + std::to_string(line) + ": " + message; }
+};
+
+class ScriptRunner {
+public:
+    ScriptRunner(CadControl& control, EventLog& events, std::ostream& out);
+
+    // Every line in order until the first that fails.
+    std::optional<ScriptError> Run(std::istream& script);
+    // One line; what went wrong, or empty when it ran.
+    std::string RunLine(std::string_view line);
+
+private:
+    std::string Execute(const BlankLine&) { return {}; }
+    std::string Execute(const HostCommand& command);
+    std::string Execute(const MemberCall& call);
+    std::string Execute(const PropertyAssignment& assignment);
+    std::string Execute(const NameAssignment& assignment);
+
+    std::string Resolve(const Argument& argument, Variant& value) const;
+    std::string Invoke(const members::MemberRow& row, const std::vector<Argument>& args, Variant* result);
+
+    CadControl& control_;
+    EventLog& events_;
+    std::ostream& out_;
+    std::map<std::string, Variant> kept_;
+};
+
+} // namespace bvx::script

@@ -1,0 +1,144 @@
+#include "IdlWriter.h"
+
+#include "AutomationNames.h"
+
+#include <string>
+
+namespace bvx::membergen {
+
+namespace {
+
+using members::AutoType;
+using members::Kind;
+
+// Published identities: changing one breaks every compiled host.
+constexpr std::string_view kLibraryGuid = "A250DE84-C0DF-41F5-93EB-E12A2193F0DB";
+constexpr std::string_view kInterfaceGuid = "C81D56D2-DCF4-4744-BAFB-EACEA1AE48F8";
+constexpr std::string_view kEventsGuid = "08CA20DF-BA41-417C-8E18-2487CE1EA33D";
+constexpr std::string_view kCoclassGuid = "D27BBB98-BAF8-4BB3-BEA3-91D6E77B19D3";
+constexpr std::string_view kToolEnumGuid = "0A3178EE-3AF2-4AA9-AA5A-CB1C02FF3493";
+
+// widl ships without the SDK's oaidl.idl and ocidl.idl; these declarations
+// stand in for them. The compiler matches them by name against stdole2.tlb,
+// so the type library still refers to the standard types.
+constexpr std::string_view kWidlPrelude = R"(#ifdef __WIDL__
+typedef long HRESULT;
+typedef unsigned short OLECHAR;
+typedef OLECHAR* BSTR;
+typedef short VARIANT_BOOL;
+typedef [uuid(66504301-BE0F-101A-8BBB-00AA00300CAB), public] unsigned long OLE_COLOR;
+typedef struct tagVARIANT { unsigned short vt; } VARIANT;
+[object, uuid(00000000-0000-0000-C000-000000000046), pointer_default(unique)]
+interface IUnknown
+{
+}
+[object, uuid(00020400-0000-0000-C000-000000000046), pointer_default(unique)]
+interface IDispatch : IUnknown
+{
+}
+#else
+import "oaidl.idl";
+import "ocidl.idl";
+#endif
+)";
+
+std::string Quoted(std::string_view text)
+{
+    std::string out = "\"";
+    for (char c : text) {
+        if (c == '"' || c == '\\') out += '\\';
+        out += c;
+    }
+    return out + '"';
+}
+
+std::string DefaultValue(const members::ArgSpec& arg)
+{
+    if (arg.type == AutoType::Bstr) return Quoted(Utf8(arg.textDefault));
+    if (arg.type == AutoType::Bool) return arg.numberDefault != 0 ? "-1" : "0";
+    return DefaultNumberText(arg);
+}
+
+std::string Parameter(const members::ArgSpec& arg)
+{
+    std::string attributes = arg.optional ? "[in, optional, defaultvalue(" + DefaultValue(arg) + ")] " : "[in] ";
+    return attributes + std::string(IdlTypeName(arg.type)) + " " + std::string(arg.name);
+}
+
+std::string ParameterList(std::span<const members::ArgSpec> args, std::string_view last)
+{
+    std::string list;
+    for (const auto& arg : args) list += (list.empty() ? "" : ", ") + Parameter(arg);
+    if (!last.empty()) list += (list.empty() ? "" : ", ") + std::string(last);
+    return list;
+}
+
+void WriteMember(std::ostream& out, const members::MemberRow& row)
+{
+    std::string attributes = "id(" + std::to_string(row.dispid) + ")";
+    std::string last;
+    const std::string type(IdlTypeName(row.result));
+    switch (row.kind) {
+    case Kind::Method:
+        if (row.result != AutoType::Void) last = "[out, retval] " + type + "* pVal";
+        break;
+    case Kind::PropertyGet:
+        attributes += ", propget";
+        last = "[out, retval] " + type + "* pVal";
+        break;
+    case Kind::PropertyPut:
+        attributes += ", propput";
+        last = "[in] " + type + " newVal";
+        break;
+    }
+    out << "        [" << attributes << ", helpstring(" << Quoted(row.summary) << ")]\n"
+        << "        HRESULT " << row.name << "(" << ParameterList(row.args, last) << ");\n";
+}
+
+void WriteEvent(std::ostream& out, const members::EventRow& row)
+{
+    out << "        [id(" << row.dispid << "), helpstring(" << Quoted(row.summary) << ")]\n"
+        << "        void " << row.name << "(" << ParameterList(row.args, {}) << ");\n";
+}
+
+void WriteToolEnum(std::ostream& out)
+{
+    out << "    typedef [uuid(" << kToolEnumGuid << "), helpstring(\"Mouse tools of the view\")]\n"
+        << "    enum " << kToolEnumName << " {\n";
+    for (size_t i = 0; i < std::size(kToolValues); ++i)
+        out << "        " << kToolValues[i].name << " = " << kToolValues[i].value
+            << (i + 1 < std::size(kToolValues) ? ",\n" : "\n");
+    out << "    } " << kToolEnumName << ";\n\n";
+}
+
+} // namespace
+
+void WriteIdl(std::ostream& out)
+{
+    out << "// bvxcad.idl: made by bvx_membergen from MemberTable.def and EventTable.def.\n\n"
+        << kWidlPrelude << "\n"
+        << "[uuid(" << kLibraryGuid << "), version(1.0), helpstring(\"ORVANE CAD control\")]\n"
+        << "library ORVANELib\n{\n"
+        << "    importlib(\"stdole2.tlb\");\n\n";
+    WriteToolEnum(out);
+
+    out << "    [object, uuid(" << kInterfaceGuid << "), dual, nonextensible, oleautomation,\n"
+        << "     helpstring(\"The CAD control's members\"), pointer_default(unique)]\n"
+        << "    interface IBvxCAD : IDispatch\n    {\n";
+    for (const auto& row : members::kMemberRows) WriteMember(out, row);
+    out << "    };\n\n";
+
+    out << "    [uuid(" << kEventsGuid << "), helpstring(\"The CAD control's events\")]\n"
+        << "    dispinterface _CADEvents\n    {\n    properties:\n    methods:\n";
+    for (const auto& row : members::kEventRows) WriteEvent(out, row);
+    out << "    };\n\n";
+
+    out << "    [uuid(" << kCoclassGuid << "), helpstring(\"The CAD control\"), control]\n"
+        << "    coclass BvxCAD\n    {\n"
+        << "        [default] interface IBvxCAD;\n"
+        << "        [default, source] dispinterface _CADEvents;\n"
+        << "    };\n"
+        << "};\n";
+}
+
+} // namespace bvx::membergen

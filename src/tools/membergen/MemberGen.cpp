@@ -1,0 +1,36 @@
+// bvx_membergen: runs on the build machine and writes what is made from the
+// member table: the interface definition and the reference page.
+#include "IdlWriter.h"
+#include "ReferencePageWriter.h"
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+bool WriteFile(const std::string& path, void (*write)(std::ostream&))
+{
+    std::ostringstream text;
+    write(text);
+    std::ofstream file(path, std::ios::binary);
+    file << text.str();
+    file.close();
+    if (!file) std::fprintf(stderr, "bvx_membergen: cannot write %s\n", path.c_str());
+    return bool(file);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: bvx_membergen OUTDIR   writes OUTDIR/bvxcad.idl and OUTDIR/members.md\n");
+        return 2;
+    }
+    const std::string dir = argv[1];
+    bool ok = WriteFile(dir + "/bvxcad.idl", bvx::membergen::WriteIdl);
+    ok = WriteFile(dir + "/members.md", bvx::membergen::WriteReferencePage) && ok;
+    return ok ? 0 : 1;
+}
