@@ -9,3 +9,6 @@ ninja -C build/release -j2 bvxcad
 OUT="$ROOT/build/testcard.bmp"
 build/release/src/hosts/cli/bvxcad testcard "$OUT"
 echo "The picture is at $OUT"
+echo
+echo "An example script through the control's members (examples/shapes.bvxs):"
+build/release/src/hosts/cli/bvxcad run examples/shapes.bvxs
