@@ -9,13 +9,17 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs)
 {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-        if (run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-        std::string name = run.benchmark_name();
+        // With repetitions the median stands for the workload; without, the one run.
+        bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+        if (!median && (run.run_type != Run::RT_Iteration || run.iterations == 0)) continue;
+        std::string name = run.run_name.str();
         auto slash = name.find('/');
         if (slash == std::string::npos) continue;
         std::string workload = name.substr(0, slash);
         std::string side = name.substr(slash + 1, name.find('/', slash + 1) - slash - 1);
         if (std::find(order_.begin(), order_.end(), workload) == order_.end()) order_.push_back(workload);
+        if (!median && medians_.count(workload + "/" + side)) continue;
+        if (median) medians_.insert(workload + "/" + side);
         nanoseconds_[workload][side] = run.GetAdjustedRealTime() * 1e9 /
                                        benchmark::GetTimeUnitMultiplier(run.time_unit);
     }
