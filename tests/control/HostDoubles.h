@@ -68,33 +68,18 @@ public:
     bool UserMode() const override { return userMode; }
 };
 
-class RecordingEventSink : public EventSink {
+// Each event as its name and arguments separated by spaces.
+class RecordingEventSink : public EventRecorder {
 public:
     std::vector<std::string> events;
 
-    template <typename... T> void Record(const char* name, T... args)
+    void OnEvent(const members::EventRow& event, std::span<const double> args) override
     {
         std::ostringstream line;
-        line << name;
-        ((line << ' ' << args), ...);
+        line << event.name;
+        for (double a : args) line << ' ' << a;
         events.push_back(line.str());
     }
-
-    void WorldMouseDown(int16_t b, int16_t s, int16_t a, double x, double y) override { Record("WorldMouseDown", b, s, a, x, y); }
-    void WorldMouseMove(int16_t s, double x, double y, double m, double a) override { Record("WorldMouseMove", s, x, y, m, a); }
-    void WorldMouseUp(int16_t b, int16_t s, double x, double y) override { Record("WorldMouseUp", b, s, x, y); }
-    void WorldMouseSnap(int16_t a, double x, double y) override { Record("WorldMouseSnap", a, x, y); }
-    void WorldRectPos(double a, double b, double c, double d) override { Record("WorldRectPos", a, b, c, d); }
-    void PictureEntry(int32_t n) override { Record("PictureEntry", n); }
-    void DrawBegin(int16_t t, double x, double y) override { Record("DrawBegin", t, x, y); }
-    void DrawEnd(int16_t t, double x, double y) override { Record("DrawEnd", t, x, y); }
-    void FontOpened(int16_t h) override { Record("FontOpened", h); }
-    void ShapeNumberAdded(int16_t t, int32_t n) override { Record("ShapeNumberAdded", t, n); }
-    void ShapeNumberSelected(int16_t t, int32_t n) override { Record("ShapeNumberSelected", t, n); }
-    void DrawRadius(double x, double y) override { Record("DrawRadius", x, y); }
-    void ShapeNumberDeleted(int32_t n) override { Record("ShapeNumberDeleted", n); }
-    void Click(double x, double y) override { Record("Click", x, y); }
-    void DblClick(double x, double y) override { Record("DblClick", x, y); }
 };
 
 } // namespace bvx::testing
