@@ -8,7 +8,7 @@ bash scripts/setup.sh
 
 JOBS=2
 FUZZ_SECONDS="${BVX_FUZZ_SECONDS:-60}"
-step() { printf '\n=== %s ===\n' "$*"; }
+step() { printf '\n=== %s (at %ds) ===\n' "$*" "$SECONDS"; }
 
 step "native release build and tests"
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DBVX_FIDELITY=ON
