@@ -37,26 +37,29 @@ namespace {
 enum InteriorKind { kNoInterior = 0, kPolygonInterior = 1, kRoundRectInterior = 2, kRectInterior = 3 };
 
 
-// Steps one visible run of a line, applying `masks(pixelIndex)` to each pixel.
-template <typename MaskAt>
-void DrawRun(Bitmap& bitmap, const LineRun& run, MaskAt&& masksAt)
+// Steps one visible run of a line, handing `plot` each pixel in turn. The
+// run's fields are copied to locals first: a store through the pixel pointer
+// may alias them, which would reload them for every pixel.
+template <typename Plot>
+void WalkRun(Bitmap& bitmap, const LineRun& run, Plot&& plot)
 {
     uint32_t* base = bitmap.Pixels().data();
     const int64_t stride = bitmap.Width();
     int64_t offset = run.y * stride + run.x;
     const int64_t stepMajor = run.xMajor ? run.sx : run.sy * stride;
-    const int64_t stepMinor = run.xMajor ? run.sy * stride : run.sx;
+    const int64_t stepBoth = stepMajor + (run.xMajor ? run.sy * stride : run.sx);
+    const int64_t bound = -int64_t(run.bias); // err + bias > 0
+    const int64_t errMinor = run.errMinor, errMajor = run.errMajor;
     int64_t err = run.err;
-    for (int64_t i = 0; i < run.count; ++i) {
-        const RopMasks m = masksAt(i);
-        base[offset] = (base[offset] & m.andMask) ^ m.xorMask;
-        if (err + run.bias > 0) {
-            offset += stepMinor;
-            err += run.errMinor;
+    for (int64_t i = run.count; i > 0; --i) {
+        plot(base[offset]);
+        if (err > bound) {
+            offset += stepBoth;
+            err += errMinor;
         } else {
-            err += run.errMajor;
+            offset += stepMajor;
+            err += errMajor;
         }
-        offset += stepMajor;
     }
 }
 
@@ -68,7 +71,12 @@ void DrawSolidRun(Bitmap& bitmap, const LineRun& run, RopMasks masks)
         raster::FillSpan(bitmap.Row(int32_t(run.y)).data() + x0, int32_t(run.count), masks);
         return;
     }
-    DrawRun(bitmap, run, [&](int64_t) { return masks; });
+    if (masks.andMask == 0) {
+        // Stores alone: no load waits on a cache line of the surface.
+        WalkRun(bitmap, run, [v = masks.xorMask](uint32_t& pixel) { pixel = v; });
+        return;
+    }
+    WalkRun(bitmap, run, [masks](uint32_t& pixel) { pixel = masks.Apply(pixel); });
 }
 
 } // namespace
@@ -249,10 +257,9 @@ void RasterDeviceContext::StrokeThin(const Stroke& stroke, bool closed)
         const DashState start = dash;
         if (raster::ClipLine(a, b, clip, run)) {
             dash.Skip(uint64_t(run.skipped));
-            DrawRun(bitmap, run, [&](int64_t) {
-                const RopMasks m = dash.mark ? stroke.fg : stroke.bg;
+            WalkRun(bitmap, run, [&](uint32_t& pixel) {
+                pixel = (dash.mark ? stroke.fg : stroke.bg).Apply(pixel);
                 dash.Step();
-                return m;
             });
             dash = start;
         }

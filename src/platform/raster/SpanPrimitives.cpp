@@ -1,5 +1,7 @@
 #include "SpanPrimitives.h"
 
+#include <cstring>
+
 namespace bvx::raster {
 
 namespace {
@@ -59,6 +61,25 @@ uint32_t ApplyRop3(uint8_t code, uint32_t p, uint32_t s, uint32_t d)
         out |= term;
     }
     return out & kColorBits;
+}
+
+void FillPixels(uint32_t* p, size_t count, uint32_t value)
+{
+#if (defined(__x86_64__) || defined(__i386__)) && defined(__GNUC__)
+    // Long runs: the string store writes whole cache lines without reading
+    // them first, which no loop of ordinary stores does.
+    if (count >= 512) {
+        __asm__ volatile("rep stosl" : "+D"(p), "+c"(count) : "a"(value) : "memory");
+        return;
+    }
+#endif
+    // Eight 64-bit stores a step: std::fill_n's loop of one store a step
+    // runs at half the speed the core can store.
+    const uint64_t pair = uint64_t(value) << 32 | value;
+    size_t i = 0;
+    for (; i + 16 <= count; i += 16)
+        for (size_t k = 0; k < 16; k += 2) std::memcpy(p + i + k, &pair, sizeof pair);
+    for (; i < count; ++i) p[i] = value;
 }
 
 Paint Paint::Solid(RopMasks m)

@@ -35,11 +35,14 @@ bool Rop3UsesPattern(uint32_t rop);
 // One ternary operation on one pixel: P pattern, S source, D destination.
 uint32_t ApplyRop3(uint8_t code, uint32_t p, uint32_t s, uint32_t d);
 
+// Sets `count` pixels from `p` on to `value`.
+void FillPixels(uint32_t* p, size_t count, uint32_t value);
+
 inline void FillSpan(uint32_t* p, int32_t count, RopMasks m)
 {
     if (count <= 0) return;
     if (m.andMask == 0) {
-        std::fill_n(p, count, m.xorMask);
+        FillPixels(p, size_t(count), m.xorMask);
     } else if (m.andMask == kColorBits) {
         if (m.xorMask == 0) return;
         for (int32_t i = 0; i < count; ++i) p[i] ^= m.xorMask;
@@ -89,7 +92,7 @@ public:
             uint32_t* p = bitmap.Pixels().data() + size_t(r.top) * size_t(r.right);
             const size_t n = size_t(r.bottom - r.top) * size_t(r.right);
             if (solid_.andMask == 0) {
-                std::fill_n(p, n, solid_.xorMask);
+                FillPixels(p, n, solid_.xorMask);
             } else {
                 for (size_t i = 0; i < n; ++i) p[i] = solid_.Apply(p[i]);
             }
