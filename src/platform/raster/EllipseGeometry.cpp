@@ -1,5 +1,7 @@
 #include "EllipseGeometry.h"
 
+#include "WideMath.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -7,8 +9,6 @@
 namespace bvx::raster {
 
 namespace {
-
-using Int128 = __int128;
 
 // A few points per sqrt(radius) keep a polygon within a fraction of a pixel
 // of the curve.

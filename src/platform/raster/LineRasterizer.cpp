@@ -1,22 +1,13 @@
 #include "LineRasterizer.h"
 
+#include "WideMath.h"
+
 #include <algorithm>
 #include <cstdlib>
 
 namespace bvx::raster {
 
 namespace {
-
-using Int128 = __int128;
-
-// floor(a / b) for b > 0.
-Int128 FloorDiv(Int128 a, Int128 b)
-{
-    Int128 q = a / b;
-    if ((a % b != 0) && (a < 0)) --q;
-    return q;
-}
-Int128 CeilDiv(Int128 a, Int128 b) { return -FloorDiv(-a, b); }
 
 // The platform numbers octants clockwise from +x with y pointing down.
 int Octant(int64_t dx, int64_t dy)

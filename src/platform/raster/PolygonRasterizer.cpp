@@ -1,16 +1,8 @@
 #include "PolygonRasterizer.h"
 
-namespace bvx::raster {
+#include "WideMath.h"
 
-namespace {
-using Int128 = __int128;
-Int128 FloorDiv(Int128 a, Int128 b)
-{
-    Int128 q = a / b;
-    if ((a % b != 0) && (a < 0)) --q;
-    return q;
-}
-} // namespace
+namespace bvx::raster {
 
 void PolygonRasterizer::BuildEdges(std::span<const Point64> points, std::span<const uint32_t> counts,
                                    int64_t rowTop, int64_t rowBottom)
