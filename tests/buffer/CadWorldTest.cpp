@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace bvx {
@@ -119,62 +120,92 @@ TEST(CadWorld, BadNumbersNeverTrap)
     (void)w.WorldToDevice({1, 1});
 }
 
-TEST(CadWorld, TransformStepsComeInTheFixedOrder)
+struct TransformCase {
+    const char* what;
+    TransformRequest request;
+    WorldPoint in;
+    WorldPoint out;
+};
+
+TransformRequest Request(int32_t mode, std::function<void(TransformRequest&)> set)
+{
+    TransformRequest r;
+    r.mode = mode;
+    set(r);
+    return r;
+}
+
+class Transforms : public ::testing::TestWithParam<TransformCase> {};
+
+TEST_P(Transforms, StepsComeInTheFixedOrder)
+{
+    CadWorld w;
+    WorldPoint p = w.BuildTransform(GetParam().request).Apply(GetParam().in);
+    EXPECT_NEAR(p.x, GetParam().out.x, 1e-9) << GetParam().what;
+    EXPECT_NEAR(p.y, GetParam().out.y, 1e-9) << GetParam().what;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Transforms,
+    ::testing::Values(
+        // The translation is not scaled whatever the bit values.
+        TransformCase{"scale then translate",
+                      Request(TransformBits::Scale | TransformBits::Translate,
+                              [](auto& r) {
+                                  r.pivotX = r.pivotY = 1;
+                                  r.scaleX = r.scaleY = 2;
+                                  r.translateX = 10;
+                              }),
+                      {2, 2},
+                      {13, 3}},
+        TransformCase{"reflect mode 0 mirrors across y = pivotY",
+                      Request(TransformBits::Reflect,
+                              [](auto& r) {
+                                  r.pivotX = 3;
+                                  r.pivotY = 5;
+                              }),
+                      {1, 1},
+                      {1, 9}},
+        TransformCase{"reflect mode 1 mirrors across x = pivotX",
+                      Request(TransformBits::Reflect,
+                              [](auto& r) {
+                                  r.pivotX = 3;
+                                  r.pivotY = 5;
+                                  r.reflectMode = 1;
+                              }),
+                      {1, 1},
+                      {5, 1}},
+        TransformCase{"shear has no pivot; an unknown mode shears X",
+                      Request(TransformBits::Shear,
+                              [](auto& r) {
+                                  r.shear = 2;
+                                  r.shearMode = 7;
+                              }),
+                      {1, 3},
+                      {7, 3}},
+        TransformCase{"a vanishing factor skips the scale",
+                      Request(TransformBits::Scale,
+                              [](auto& r) {
+                                  r.scaleX = 0;
+                                  r.scaleY = 2;
+                              }),
+                      {4, 4},
+                      {4, 4}}));
+
+TEST(CadWorld, RotationUsesTheHistoricalConstantAndIsRemembered)
 {
     CadWorld w;
     TransformRequest r;
-    // Scale by 2 about (1, 1), then translate by (10, 0): the translation
-    // is not scaled whatever the bit values.
-    r.mode = TransformBits::Scale | TransformBits::Translate;
-    r.pivotX = 1;
-    r.pivotY = 1;
-    r.scaleX = r.scaleY = 2;
-    r.translateX = 10;
-    WorldPoint p = w.BuildTransform(r).Apply({2, 2});
-    EXPECT_DOUBLE_EQ(p.x, 13);
-    EXPECT_DOUBLE_EQ(p.y, 3);
-
-    // Rotation by 90 about the origin, with the historical constant.
-    r = {};
     r.mode = TransformBits::Rotate;
     r.angleDegrees = 90;
-    p = w.BuildTransform(r).Apply({1, 0});
+    WorldPoint p = w.BuildTransform(r).Apply({1, 0});
     EXPECT_NEAR(p.x, 0, 1e-9);
     EXPECT_NEAR(p.y, 1, 1e-9);
     EXPECT_NE(p.x, 0.0); // 0.01745329252 is not pi/180 exactly
     EXPECT_DOUBLE_EQ(w.LastRotation, 90);
-
-    // Reflect mode 0 mirrors across y = pivotY; mode 1 across x = pivotX.
-    r = {};
-    r.mode = TransformBits::Reflect;
-    r.pivotX = 3;
-    r.pivotY = 5;
-    p = w.BuildTransform(r).Apply({1, 1});
-    EXPECT_DOUBLE_EQ(p.x, 1);
-    EXPECT_DOUBLE_EQ(p.y, 9);
-    r.reflectMode = 1;
-    p = w.BuildTransform(r).Apply({1, 1});
-    EXPECT_DOUBLE_EQ(p.x, 5);
-    EXPECT_DOUBLE_EQ(p.y, 1);
+    r.mode = TransformBits::Translate;
+    w.BuildTransform(r);
     EXPECT_DOUBLE_EQ(w.LastRotation, 0);
-
-    // Shear has no pivot; an unknown mode shears X.
-    r = {};
-    r.mode = TransformBits::Shear;
-    r.shear = 2;
-    r.shearMode = 7;
-    p = w.BuildTransform(r).Apply({1, 3});
-    EXPECT_DOUBLE_EQ(p.x, 7);
-    EXPECT_DOUBLE_EQ(p.y, 3);
-
-    // A vanishing scale factor skips the step entirely.
-    r = {};
-    r.mode = TransformBits::Scale;
-    r.scaleX = 0;
-    r.scaleY = 2;
-    p = w.BuildTransform(r).Apply({4, 4});
-    EXPECT_DOUBLE_EQ(p.x, 4);
-    EXPECT_DOUBLE_EQ(p.y, 4);
 }
 
 int CountPixels(const Bitmap& b, ColorRef color)
