@@ -16,7 +16,7 @@ ninja -C build/release -j$JOBS
 ctest --test-dir build/release --output-on-failure
 
 step "address and undefined-behaviour sanitizers"
-cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBVX_SANITIZE=ON -DBVX_BENCH=OFF
+cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBVX_SANITIZE=ON -DBVX_BENCH=OFF -DBVX_FIDELITY=ON
 ninja -C build/asan -j$JOBS
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --test-dir build/asan --output-on-failure
 
