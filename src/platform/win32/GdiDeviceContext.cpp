@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace bvx {
 
@@ -84,28 +85,27 @@ void GdiDeviceContext::DeleteUnreferenced(std::vector<HGDIOBJ> candidates)
         if (object && !referenced(object)) ::DeleteObject(object);
 }
 
-PenHandle GdiDeviceContext::SelectPen(PenHandle pen)
+// Makes the GDI object of a record, selects it (or the context's own when
+// there is none), and frees the one it replaces unless a saved state holds it.
+template <typename Record, typename Make>
+Record GdiDeviceContext::Swap(Record record, Record& slot, HGDIOBJ& gdiSlot, HGDIOBJ original, Make make)
 {
-    PenHandle previous = current_.pen;
-    HPEN made = pen ? MakeGdiPen(*pen) : nullptr;
-    ::SelectObject(hdc_, made ? HGDIOBJ(made) : originalPen_);
-    HGDIOBJ old = current_.gdiPen;
-    current_.pen = std::move(pen);
-    current_.gdiPen = made;
+    HGDIOBJ made = record ? HGDIOBJ(make(*record)) : nullptr;
+    ::SelectObject(hdc_, made ? made : original);
+    HGDIOBJ old = std::exchange(gdiSlot, made);
+    Record previous = std::exchange(slot, std::move(record));
     DeleteUnreferenced({old});
     return previous;
 }
 
+PenHandle GdiDeviceContext::SelectPen(PenHandle pen)
+{
+    return Swap(std::move(pen), current_.pen, current_.gdiPen, originalPen_, MakeGdiPen);
+}
+
 BrushHandle GdiDeviceContext::SelectBrush(BrushHandle brush)
 {
-    BrushHandle previous = current_.brush;
-    HBRUSH made = brush ? MakeGdiBrush(*brush) : nullptr;
-    ::SelectObject(hdc_, made ? HGDIOBJ(made) : originalBrush_);
-    HGDIOBJ old = current_.gdiBrush;
-    current_.brush = std::move(brush);
-    current_.gdiBrush = made;
-    DeleteUnreferenced({old});
-    return previous;
+    return Swap(std::move(brush), current_.brush, current_.gdiBrush, originalBrush_, MakeGdiBrush);
 }
 
 FontHandle GdiDeviceContext::SelectFont(FontHandle) { return nullptr; }

@@ -86,12 +86,14 @@ private:
     struct Selection {
         PenHandle pen;
         BrushHandle brush;
-        HPEN gdiPen = nullptr;
-        HBRUSH gdiBrush = nullptr;
+        HGDIOBJ gdiPen = nullptr;
+        HGDIOBJ gdiBrush = nullptr;
     };
 
     // Deletes the GDI objects that neither the current nor a saved state holds.
     void DeleteUnreferenced(std::vector<HGDIOBJ> candidates);
+    template <typename Record, typename Make>
+    Record Swap(Record record, Record& slot, HGDIOBJ& gdiSlot, HGDIOBJ original, Make make);
 
     HDC hdc_;
     bool ownsDc_;
