@@ -167,16 +167,12 @@ CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, CadView& view, int
     added->number = number;
     added->layer = int16_t(index);
     target->Shapes.push_back(std::move(shape));
-    ShapeMap[number] = added;
+    ShapeMap.Insert(number, added);
     if (fireEvent) view.Fire<&EventSink::ShapeNumberAdded>(added->GetShapeType(), number);
     return added;
 }
 
-CObjShape* CadBuf::FindShape(int32_t number) const
-{
-    auto it = ShapeMap.find(number);
-    return it == ShapeMap.end() ? nullptr : it->second;
-}
+CObjShape* CadBuf::FindShape(int32_t number) const { return ShapeMap.Find(number); }
 
 CObjShape* CadBuf::FindShapeDeep(int32_t number, int32_t& index) const
 {
@@ -236,8 +232,7 @@ void CadBuf::ForgetShape(CObjShape* shape)
     if (!shape) return;
     // Members go too, so that no number is left pointing at a destroyed shape.
     ForEachDeep(shape, [&](CObjShape* s) {
-        auto it = ShapeMap.find(s->number);
-        if (it != ShapeMap.end() && it->second == s) ShapeMap.erase(it);
+        ShapeMap.Erase(s->number, s);
         if (s->selected) Deselect(s);
         if (FocusShape == s) FocusShape = nullptr;
     });
@@ -438,7 +433,7 @@ void CadBuf::NumberGroupMembers(CObjShape* group)
         member->number = ++NextShapeNumber;
         member->layer = group->layer;
         member->group = group->number;
-        ShapeMap[member->number] = member.get();
+        ShapeMap.Insert(member->number, member.get());
         NumberGroupMembers(member.get());
     }
 }
@@ -446,7 +441,7 @@ void CadBuf::NumberGroupMembers(CObjShape* group)
 void CadBuf::ForgetAll()
 {
     Selection.clear();
-    ShapeMap.clear();
+    ShapeMap.Clear();
     FocusShape = nullptr;
     FocusPoint = -1;
 }

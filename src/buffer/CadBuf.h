@@ -3,11 +3,11 @@
 #pragma once
 
 #include "CadLayer.h"
+#include "ShapeIndex.h"
 #include "shapes/CObjShape.h"
 #include "shapes/ShapeAttr.h"
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,7 +22,7 @@ public:
     ~CadBuf();
 
     std::vector<CObjShape*> Selection;       // in order of selection; owns nothing
-    std::map<int32_t, CObjShape*> ShapeMap;  // every numbered shape, members too
+    ShapeIndex ShapeMap;                     // every numbered shape, members too
     CadLayer* CurrentLayer = nullptr;
     std::unique_ptr<CObjShape> BackPic;
     std::vector<std::unique_ptr<CadLayer>> Layers;

@@ -28,6 +28,9 @@ template <typename T> struct Reply {
     static Reply Unwritten(HResult code = hresult::Ok) { return {code, std::nullopt}; }
 };
 
+// The pen and brush fields that shapes and layers share as members.
+enum class AttrField : uint8_t { PenFg, PenWidth, PenStyle, BrushFg, BrushBg, BrushStyle, BrushMode };
+
 class CadControl {
 public:
     explicit CadControl(HostWindow* window = nullptr, EventSink* sink = nullptr);
@@ -252,10 +255,10 @@ private:
     int32_t DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer);
     // The record a write changes: the shape's own, made from the one in force.
     ShapeAttr& OwnAttr(CObjShape& shape);
-    template <typename Read> auto ReadShapeAttr(int32_t number, Read read) -> decltype(read(ShapeAttr::Default()));
-    template <typename Write> void WriteShapeAttr(int32_t number, Write write);
-    template <typename Read> auto ReadLayerAttr(int16_t layer, Read read) -> decltype(read(ShapeAttr::Default()));
-    template <typename Write> void WriteLayerAttr(int16_t layer, Write write);
+    int64_t ReadShapeAttr(int32_t number, AttrField field);
+    void WriteShapeAttr(int32_t number, AttrField field, int64_t value);
+    int64_t ReadLayerAttr(int16_t layer, AttrField field);
+    void WriteLayerAttr(int16_t layer, AttrField field, int64_t value);
     // The change pattern around one shape: old bounds, change, new bounds.
     template <typename Change> void ChangeShape(CObjShape& shape, Change change);
     void TransformShape(CObjShape& shape, const TransformRequest& request);
@@ -266,5 +269,12 @@ private:
     CadView view_;
     uint32_t backColor_ = 0xFFFFFF;
 };
+
+template <typename Change> void CadControl::ChangeShape(CObjShape& shape, Change change)
+{
+    view_.InvalidateShape(&shape, false);
+    change();
+    view_.InvalidateShape(&shape, true);
+}
 
 } // namespace bvx

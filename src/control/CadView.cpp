@@ -29,7 +29,9 @@ void CadView::InvalidateWindow(const DeviceRect* rect, bool erase)
 
 void CadView::Redraw(int32_t mode)
 {
-    if (!Window) return;
+    // Without a window nothing is repainted, but mode 4 still deletes: a
+    // script host must be able to delete the selection.
+    if (!Window && mode != 4) return;
     switch (mode) {
     case 0:
         RebuildBackBuffer = 1;
@@ -98,7 +100,7 @@ void CadView::CancelMouse()
 
 void CadView::SetMouseTool(int16_t tool)
 {
-    if ((tool < 1 || tool > 20) && Buf.SnapMarkerUp) {
+    if (!IsDrawingTool(tool) && Buf.SnapMarkerUp) {
         InvalidateSnapMarker();
         Buf.SnapMarkerUp = 0;
     }
@@ -154,7 +156,7 @@ const ShapeAttr& CadView::EffectiveAttr(const CObjShape& shape) const
     static const ShapeAttr fallback = ShapeAttr::Default();
     const CObjShape* s = &shape;
     // A group chain is finite, but a damaged one must not spin.
-    for (size_t depth = 0; s && depth <= Buf.ShapeMap.size() + 1; ++depth) {
+    for (size_t depth = 0; s && depth <= Buf.ShapeMap.Size() + 1; ++depth) {
         if (s->number == -1) return Buf.CurrentLayer && Buf.CurrentLayer->Attr ? *Buf.CurrentLayer->Attr : fallback;
         if (s->attr) return *s->attr;
         if (s->group < 0) {

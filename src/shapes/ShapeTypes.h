@@ -31,6 +31,14 @@ enum bvxViewMouseToolVals : int16_t {
     bvxEllipse = 20,
 };
 
+// Whether a ViewMouseTool value has a tool; 16 has none.
+constexpr bool IsToolNumber(int32_t tool)
+{
+    return (tool >= bvxNetZoom && tool <= bvxChord) || (tool >= bvxPoint && tool <= bvxEllipse);
+}
+// The tools that draw a shape, as opposed to select, pan and zoom.
+constexpr bool IsDrawingTool(int32_t tool) { return tool >= bvxRectangle && tool <= bvxEllipse; }
+
 // Search methods: where a press must land to find a shape.
 constexpr int16_t kSearchOnBorder = 0;
 constexpr int16_t kSearchInShape = 1;

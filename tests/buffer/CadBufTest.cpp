@@ -208,7 +208,7 @@ TEST_F(Buf, ClearAllEmptiesEverythingUntilReset)
     view.Buf.Select(view.Buf.FindShape(1));
     view.Buf.ClearAll();
     EXPECT_TRUE(view.Buf.Layers.empty());
-    EXPECT_TRUE(view.Buf.ShapeMap.empty());
+    EXPECT_TRUE(view.Buf.ShapeMap.Empty());
     EXPECT_TRUE(view.Buf.Selection.empty());
     EXPECT_EQ(view.CreateShape(bvxRectangle, 1), nullptr);
     view.Buf.Reset();

@@ -11,16 +11,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kExamples = BVX_EXAMPLES_DIR;
+// The examples a user reads, and the behaviour cases kept beside the tests;
+// both are scripts with the output they must print.
+const fs::path kScriptDirs[] = {BVX_EXAMPLES_DIR, BVX_SCRIPT_CASES_DIR};
 
-std::vector<std::string> ExampleNames()
+std::vector<fs::path> ScriptPaths()
 {
-    std::vector<std::string> names;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(kExamples, error))
-        if (entry.path().extension() == ".bvxs") names.push_back(entry.path().stem().string());
-    std::sort(names.begin(), names.end());
-    return names;
+    std::vector<fs::path> paths;
+    for (const fs::path& dir : kScriptDirs) {
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(dir, error))
+            if (entry.path().extension() == ".bvxs") paths.push_back(entry.path());
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
 }
 
 std::string ReadFile(const fs::path& path)
@@ -29,22 +33,24 @@ std::string ReadFile(const fs::path& path)
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
-class Example : public ::testing::TestWithParam<std::string> {};
+class Script : public ::testing::TestWithParam<fs::path> {};
 
-// Each example runs on a fresh control, as `bvxcad run` runs it.
-TEST_P(Example, PrintsItsExpectedOutput)
+// Each script runs on a fresh control, as `bvxcad run` runs it.
+TEST_P(Script, PrintsItsExpectedOutput)
 {
-    const fs::path expected = kExamples / (GetParam() + ".expected");
+    fs::path expected = GetParam();
+    expected.replace_extension(".expected");
     ASSERT_TRUE(fs::exists(expected)) << expected;
     EventLog events;
     CadControl control(nullptr, &events);
-    EXPECT_EQ(Transcript(control, events, ReadFile(kExamples / (GetParam() + ".bvxs"))), ReadFile(expected));
+    EXPECT_EQ(Transcript(control, events, ReadFile(GetParam())), ReadFile(expected));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scripts, Example, ::testing::ValuesIn(ExampleNames()),
-                         [](const auto& info) { return info.param; });
+INSTANTIATE_TEST_SUITE_P(Scripts, Script, ::testing::ValuesIn(ScriptPaths()), [](const auto& info) {
+    return info.param.parent_path().filename().string() + "_" + info.param.stem().string();
+});
 
-TEST(Examples, AreThere) { EXPECT_GE(ExampleNames().size(), 3u) << kExamples; }
+TEST(Scripts, AreThere) { EXPECT_GE(ScriptPaths().size(), 6u); }
 
 } // namespace
 } // namespace bvx::script

@@ -1,0 +1,52 @@
+// Shape numbers to shapes: every member that names a shape looks it up here,
+// so it is an open-addressing table with linear probing, sized by the live
+// shapes (not by every number ever issued) and one cache line per probe.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace bvx {
+
+class CObjShape;
+
+class ShapeIndex {
+public:
+    CObjShape* Find(int32_t number) const
+    {
+        if (count_ == 0) return nullptr;
+        for (size_t i = SlotOf(number);; i = (i + 1) & mask_) {
+            const Slot& slot = slots_[i];
+            if (!slot.Shape) return nullptr;
+            if (slot.Number == number) return slot.Shape;
+        }
+    }
+    // Enters or replaces the shape under its number.
+    void Insert(int32_t number, CObjShape* shape);
+    // Removes the number only while it still names this shape.
+    void Erase(int32_t number, const CObjShape* shape);
+    void Clear();
+    size_t Size() const { return count_; }
+    bool Empty() const { return count_ == 0; }
+
+private:
+    struct Slot {
+        int32_t Number = 0;
+        CObjShape* Shape = nullptr; // null: the slot is free
+    };
+
+    size_t SlotOf(int32_t number) const
+    {
+        // Fibonacci hashing spreads the consecutive numbers the counter hands out.
+        return size_t((uint64_t(uint32_t(number)) * 0x9E3779B97F4A7C15ull) >> shift_);
+    }
+    void Rehash(size_t capacity);
+
+    std::vector<Slot> slots_;
+    size_t mask_ = 0;
+    unsigned shift_ = 64;
+    size_t count_ = 0;
+};
+
+} // namespace bvx

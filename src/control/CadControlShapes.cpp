@@ -1,0 +1,215 @@
+// Members that create, delete and describe shapes, and their points.
+#include "CadControl.h"
+
+#include "CadControlSupport.h"
+#include "buffer/Rounding.h"
+#include "shapes/CRectShape.h"
+
+namespace bvx {
+
+// ---- creating and deleting ----
+
+int32_t CadControl::DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer)
+{
+    if (!view_.Buf.IsLayer(layer)) return kNoShape;
+    CObjShape* shape = view_.CreateShape(type, layer);
+    if (!shape) return kNoShape;
+    // The host may have deleted the shape from the event that announced it.
+    int32_t number = shape->number;
+    if (!(shape = Shape(number))) return number;
+    shape->SetPoint(0, first.x, first.y, &view_);
+    shape->SetPoint(1, second.x, second.y, &view_);
+    view_.InvalidateShape(shape, true);
+    return number;
+}
+
+int32_t CadControl::DrawLine(double x1, double y1, double x2, double y2, int16_t layer)
+{
+    return DrawShape(bvxLine, {x1, y1}, {x2, y2}, layer);
+}
+int32_t CadControl::DrawRectangle(double x1, double y1, double x2, double y2, int16_t layer)
+{
+    return DrawShape(bvxRectangle, {x1, y1}, {x2, y2}, layer);
+}
+int32_t CadControl::DrawEllipse(double cx, double cy, double rx, double ry, int16_t layer)
+{
+    return DrawShape(bvxEllipse, {cx, cy}, {rx, ry}, layer);
+}
+int32_t CadControl::DrawCircle(double cx, double cy, double r, int16_t layer)
+{
+    return DrawShape(bvxCircle, {cx, cy}, {r, r}, layer);
+}
+
+int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)
+{
+    if (!view_.Buf.IsLayer(layer) || type < 1 || type > 20) return kNoShape;
+    CObjShape* shape = view_.CreateShape(int16_t(type), layer);
+    return shape ? shape->number : kNoShape;
+}
+
+void CadControl::ShapeDelete(int32_t number)
+{
+    CObjShape* shape = Shape(number);
+    if (view_.DrawInProgress && shape) {
+        view_.CancelMouse();
+        return;
+    }
+    view_.DeleteShape(shape, true);
+}
+
+void CadControl::ShapeSelectDelete()
+{
+    view_.CancelMouse();
+    view_.Redraw(4);
+}
+
+void CadControl::CadClearShapes(int16_t layer)
+{
+    if (layer != kAllLayers && !view_.Buf.IsLayer(layer)) return;
+    // A shape being drawn goes with its layer: the draw must end first.
+    if (layer == kAllLayers || layer == view_.Buf.CurrentLayerNumber) view_.CancelMouse();
+    view_.Buf.ClearLayer(layer);
+    view_.Redraw(0);
+}
+
+void CadControl::CadClearAll()
+{
+    view_.CancelMouse();
+    view_.Buf.BackPic.reset();
+    view_.Buf.ClearAll();
+    view_.Buf.SnapMarkerUp = 0;
+    view_.Clear();
+    view_.Buf.Reset();
+    Refresh();
+}
+
+// ---- one shape ----
+
+int16_t CadControl::GetShapeType(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->GetShapeType() : 0;
+}
+int16_t CadControl::ShapeOnLayer(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->layer : -1;
+}
+int32_t CadControl::ShapeOnGroup(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->group : -1;
+}
+double CadControl::GetShapeArea(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->GetArea() : 0.0;
+}
+std::u16string CadControl::GetShapeNotes(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->notes : std::u16string();
+}
+void CadControl::PutShapeNotes(int32_t number, std::u16string notes)
+{
+    if (CObjShape* s = Shape(number)) s->notes = std::move(notes);
+}
+int16_t CadControl::GetShapeSearchMethod(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->GetSearchMethod() : -1;
+}
+void CadControl::PutShapeSearchMethod(int32_t number, int16_t method)
+{
+    if (CObjShape* s = Shape(number)) s->SetSearchMethod(method);
+}
+int16_t CadControl::GetShapeLineType(int32_t number)
+{
+    const auto* line = dynamic_cast<const CRectShape*>(Shape(number));
+    return line && line->GetShapeType() == bvxLine ? line->GetLineType() : -1;
+}
+void CadControl::PutShapeLineType(int32_t number, int16_t type)
+{
+    auto* line = dynamic_cast<CRectShape*>(Shape(number));
+    if (!line || line->GetShapeType() != bvxLine) return;
+    line->SetLineType(type);
+    view_.InvalidateShape(line, true);
+}
+bool CadControl::GetShapeIsColorSet(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s && s->attr;
+}
+void CadControl::ShapeColorReset(int32_t number)
+{
+    CObjShape* s = Shape(number);
+    if (!s) return;
+    s->SetAttr(nullptr);
+    view_.InvalidateShape(s, true);
+}
+
+// ---- points ----
+
+int16_t CadControl::GetShapePointCount(int32_t number)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->GetPointCount() : -1;
+}
+
+double CadControl::RoundPoint(const CObjShape& shape, int16_t point, double value) const
+{
+    const CadWorld& w = view_.World;
+    return RoundTo(value, shape.GetPointKind(point) == 2 ? w.WorldAnglePrecision : w.WorldCoordPrecision);
+}
+
+double CadControl::ShapePointGetX(int32_t number, int16_t point)
+{
+    const CObjShape* s = Shape(number);
+    return s ? RoundPoint(*s, point, s->GetPoint(point, view_).x) : 0.0;
+}
+
+double CadControl::ShapePointGetY(int32_t number, int16_t point)
+{
+    const CObjShape* s = Shape(number);
+    return s ? RoundPoint(*s, point, s->GetPoint(point, view_).y) : 0.0;
+}
+
+void CadControl::ShapePointSetX(int32_t number, int16_t point, double x)
+{
+    CObjShape* s = Shape(number);
+    if (!s) return;
+    double y = s->GetPoint(point, view_).y;
+    ChangeShape(*s, [&] { s->SetPoint(point, RoundPoint(*s, point, x), y, &view_); });
+}
+
+void CadControl::ShapePointSetY(int32_t number, int16_t point, double y)
+{
+    CObjShape* s = Shape(number);
+    if (!s) return;
+    double x = s->GetPoint(point, view_).x;
+    ChangeShape(*s, [&] { s->SetPoint(point, x, RoundPoint(*s, point, y), &view_); });
+}
+
+void CadControl::ShapePointSet(int32_t number, int16_t point, double x, double y)
+{
+    CObjShape* s = Shape(number);
+    if (!s) return;
+    ChangeShape(*s, [&] { s->SetPoint(point, RoundPoint(*s, point, x), RoundPoint(*s, point, y), &view_); });
+}
+
+int16_t CadControl::ShapePointGetNearest(int32_t number, double x, double y)
+{
+    const CObjShape* s = Shape(number);
+    return s ? s->NearestPoint(view_.World.WorldToDevice({x, y}), view_) : -1;
+}
+
+void CadControl::ShapePointSnapToGrid(int32_t number, int16_t point)
+{
+    CObjShape* s = Shape(number);
+    if (!s) return;
+    WorldPoint p = s->GetPoint(point, view_);
+    if (!view_.World.SnapToGrid(p)) return;
+    ChangeShape(*s, [&] { s->SetPoint(point, p.x, p.y, &view_); });
+}
+
+} // namespace bvx
