@@ -1,8 +1,8 @@
 #include "DibFormat.h"
 
 #include <algorithm>
-#include <bit>
 #include <climits>
+#include <iterator>
 
 namespace bvx {
 
@@ -63,73 +63,86 @@ void SetDefaultMasks(DibView& view)
 
 } // namespace
 
+std::optional<DibHeader> ReadDibHeader(std::span<const uint8_t> packed)
+{
+    if (packed.size() < 4) return std::nullopt;
+    const uint8_t* p = packed.data();
+    DibHeader h;
+    h.size = LoadLe32(p);
+    if (h.size == kDibCoreHeaderSize) {
+        if (packed.size() < kDibCoreHeaderSize) return std::nullopt;
+        h.core = true;
+        h.width = LoadLe16(p + 4);
+        h.height = LoadLe16(p + 6);
+        h.bitCount = LoadLe16(p + 10);
+        h.entrySize = 3;
+        h.tableOffset = kDibCoreHeaderSize;
+        if (h.bitCount <= 8) h.tableEntries = 1u << h.bitCount;
+    } else {
+        constexpr uint32_t kLongSizes[] = {kDibInfoHeaderSize, 52, 56, 108, 124};
+        if (std::find(std::begin(kLongSizes), std::end(kLongSizes), h.size) == std::end(kLongSizes) ||
+            packed.size() < h.size)
+            return std::nullopt;
+        const DibInfoHeader info = LoadDibInfoHeader(p);
+        h.width = info.width;
+        h.height = info.height;
+        h.bitCount = info.bitCount;
+        h.compression = info.compression;
+        h.sizeImage = info.sizeImage;
+        h.clrUsed = info.clrUsed;
+        h.tableOffset = h.size;
+        if (h.compression == uint32_t(DibCompression::Bitfields)) {
+            // The masks follow the first 40 bytes in every long form: after
+            // the short header, inside the longer ones.
+            constexpr uint32_t masksEnd = kDibInfoHeaderSize + 12;
+            if (packed.size() < masksEnd) return std::nullopt;
+            for (size_t i = 0; i < 3; ++i) h.masks[i] = LoadLe32(p + kDibInfoHeaderSize + 4 * i);
+            h.tableOffset = std::max(h.size, masksEnd);
+        }
+        if (h.clrUsed != 0) h.tableEntries = std::min<uint32_t>(h.clrUsed, 256);
+        else if (h.bitCount <= 8) h.tableEntries = 1u << h.bitCount;
+    }
+    h.bitsOffset = h.tableOffset + h.tableEntries * h.entrySize;
+    return h;
+}
+
 std::optional<DibView> ParseDib(std::span<const uint8_t> packed)
 {
-    const size_t size = packed.size();
-    if (size < 4) return std::nullopt;
-    const uint8_t* p = packed.data();
-    const uint32_t headerSize = LoadLe32(p);
-
+    const std::optional<DibHeader> h = ReadDibHeader(packed);
+    if (!h || h->compression > uint32_t(DibCompression::Bitfields)) return std::nullopt;
     DibView view;
-    uint32_t tableEntries = 0;
-    size_t entrySize = 4;
-    size_t tableOffset = headerSize;
-    int64_t height = 0;
-    uint32_t sizeImage = 0;
-
-    if (headerSize == kDibCoreHeaderSize) {
-        if (size < kDibCoreHeaderSize) return std::nullopt;
-        view.coreHeader = true;
-        view.width = LoadLe16(p + 4);
-        height = LoadLe16(p + 6);
-        view.bitCount = LoadLe16(p + 10);
-        entrySize = 3;
-        if (view.bitCount <= 8) tableEntries = 1u << view.bitCount;
-    } else {
-        if (headerSize < kDibInfoHeaderSize || headerSize > size) return std::nullopt;
-        const DibInfoHeader h = LoadDibInfoHeader(p);
-        view.width = h.width;
-        height = h.height;
-        view.bitCount = h.bitCount;
-        if (h.compression > uint32_t(DibCompression::Bitfields)) return std::nullopt;
-        view.compression = DibCompression(h.compression);
-        sizeImage = h.sizeImage;
-        if (h.clrUsed != 0) tableEntries = std::min<uint32_t>(h.clrUsed, 256);
-        else if (h.bitCount <= 8) tableEntries = 1u << h.bitCount;
-        if (view.compression == DibCompression::Bitfields) {
-            // The masks sit right after the 40-byte part in every long form.
-            constexpr size_t masksEnd = kDibInfoHeaderSize + 12;
-            if (size < masksEnd) return std::nullopt;
-            for (size_t i = 0; i < 3; ++i) view.masks[i] = LoadLe32(p + kDibInfoHeaderSize + 4 * i);
-            if (view.masks[0] == 0 || view.masks[1] == 0 || view.masks[2] == 0) return std::nullopt;
-            tableOffset = std::max<size_t>(headerSize, masksEnd);
-        }
-    }
-
+    view.width = h->width;
+    view.bitCount = h->bitCount;
+    view.compression = DibCompression(h->compression);
+    view.masks = h->masks;
+    const int64_t height = h->height;
     if (view.width <= 0 || height == 0 || height == INT32_MIN) return std::nullopt;
     view.topDown = height < 0;
     view.height = int32_t(height < 0 ? -height : height);
     if (!FormatIsValid(view.bitCount, view.compression, view.topDown)) return std::nullopt;
+    if (view.compression == DibCompression::Bitfields &&
+        (view.masks[0] == 0 || view.masks[1] == 0 || view.masks[2] == 0))
+        return std::nullopt;
     if (view.compression == DibCompression::Rgb && view.bitCount > 8) SetDefaultMasks(view);
 
-    const uint64_t bitsOffset = uint64_t(tableOffset) + uint64_t(tableEntries) * entrySize;
-    if (bitsOffset > size) return std::nullopt;
+    const size_t size = packed.size();
+    if (h->bitsOffset > size) return std::nullopt;
     if (view.bitCount <= 8) {
-        view.colorCount = std::min<uint32_t>(tableEntries, 1u << view.bitCount);
+        view.colorCount = std::min<uint32_t>(h->tableEntries, 1u << view.bitCount);
         for (uint32_t i = 0; i < view.colorCount; ++i) {
-            const uint8_t* e = p + tableOffset + i * entrySize;
+            const uint8_t* e = packed.data() + h->tableOffset + i * h->entrySize;
             view.colors[i] = MakeRgb(e[2], e[1], e[0]);
         }
     }
 
-    const size_t available = size - size_t(bitsOffset);
+    const size_t available = size - h->bitsOffset;
     const uint64_t stride = DibStride(uint64_t(view.width), view.bitCount);
     if (view.compression == DibCompression::Rle4 || view.compression == DibCompression::Rle8) {
-        view.bits = packed.subspan(size_t(bitsOffset), std::min<size_t>(available, sizeImage));
+        view.bits = packed.subspan(h->bitsOffset, std::min<size_t>(available, h->sizeImage));
     } else {
         const uint64_t imageBytes = stride * uint64_t(view.height);
         if (imageBytes > available) return std::nullopt;
-        view.bits = packed.subspan(size_t(bitsOffset), size_t(imageBytes));
+        view.bits = packed.subspan(h->bitsOffset, size_t(imageBytes));
     }
     view.stride = size_t(stride); // fits: uncompressed rows lie in the block, coded ones are at most 8 bits deep
     return view;

@@ -57,8 +57,32 @@ void StoreDibInfoHeader(const DibInfoHeader& header, uint8_t* bytes);
 // Bytes in one row padded to 32 bits, as 64 bits so that no width overflows.
 constexpr uint64_t DibStride(uint64_t width, uint32_t bitCount) { return (width * bitCount + 31) / 32 * 4; }
 
+// The header of a packed bitmap and where its parts lie, read by the rule
+// every reader of a packed bitmap follows: a first word of 12 is the core
+// form; 40, 52, 56, 108 and 124 are the long form, of which the first 40
+// bytes and the bit-field masks are read and the rest skipped. Other sizes
+// are no bitmap at all.
+struct DibHeader {
+    uint32_t size = 0;
+    bool core = false;
+    int32_t width = 0;
+    int32_t height = 0; // negative: rows stored top-down
+    uint16_t bitCount = 0;
+    uint32_t compression = 0; // as stored, not yet checked
+    uint32_t sizeImage = 0;
+    uint32_t clrUsed = 0;
+    std::array<uint32_t, 3> masks{}; // red, green, blue, when compression is bit fields
+    uint32_t tableEntries = 0;       // biClrUsed (at most 256), else 2^bitCount up to 8 bits
+    uint32_t entrySize = 4;          // 3 in the core form
+    uint32_t tableOffset = 0;        // after the header and any masks
+    uint32_t bitsOffset = 0;         // after the colour table
+};
+
+// Null for an unknown header size or a block too short for the header and
+// its masks; the table and pixels are not checked.
+std::optional<DibHeader> ReadDibHeader(std::span<const uint8_t> packed);
+
 struct DibView {
-    bool coreHeader = false;
     int32_t width = 0;
     int32_t height = 0; // rows, always positive
     bool topDown = false;
@@ -73,8 +97,8 @@ struct DibView {
     std::span<const uint8_t> bits;
 };
 
-// Accepts the core header, the long header and its longer successors; null
-// for anything malformed or not fitting in the block.
+// A header ReadDibHeader takes, of a format that can be painted, with the
+// colour table and pixels inside the block; null otherwise.
 std::optional<DibView> ParseDib(std::span<const uint8_t> packed);
 
 enum class RleOutcome {

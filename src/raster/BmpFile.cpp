@@ -12,46 +12,40 @@ namespace {
 
 constexpr uint64_t kMaxFileSize = std::numeric_limits<uint32_t>::max();
 
-// What lies between the header and the image: the colour table, and the
-// channel masks of a bit-field DIB.
-uint64_t TableBytes(const DibBlock& dib)
-{
-    const bool masks = LoadLe32(dib.bytes.data() + 16) == uint32_t(DibCompression::Bitfields);
-    return DibPaletteSize(dib) + (masks ? 12 : 0);
-}
+// The part of the block a .bmp holds: header, masks, colour table, image.
+struct WrittenPart {
+    uint64_t length;
+    uint32_t bitsOffset;
+};
 
-// The bytes of the block a .bmp holds: header, colour table, image.
-std::optional<uint64_t> PrepareForWriting(DibBlock& dib)
+std::optional<WrittenPart> PrepareForWriting(DibBlock& dib)
 {
-    if (dib.bytes.size() < kDibInfoHeaderSize || LoadLe32(dib.bytes.data()) != kDibInfoHeaderSize)
-        return std::nullopt;
-    DibInfoHeader header = LoadDibInfoHeader(dib.bytes.data());
-    uint64_t imageSize = header.sizeImage;
-    if (header.compression != uint32_t(DibCompression::Rle8) && header.compression != uint32_t(DibCompression::Rle4)) {
-        if (header.width < 0) return std::nullopt;
-        const uint64_t rows = uint64_t(header.height < 0 ? -int64_t(header.height) : int64_t(header.height));
-        imageSize = DibStride(uint64_t(header.width), header.bitCount) * rows;
+    const std::optional<DibHeader> h = ReadDibHeader(dib.bytes);
+    if (!h || h->core) return std::nullopt;
+    uint64_t imageSize = h->sizeImage;
+    if (h->compression != uint32_t(DibCompression::Rle8) && h->compression != uint32_t(DibCompression::Rle4)) {
+        if (h->width < 0) return std::nullopt;
+        const uint64_t rows = uint64_t(h->height < 0 ? -int64_t(h->height) : int64_t(h->height));
+        imageSize = DibStride(uint64_t(h->width), h->bitCount) * rows;
         if (imageSize > kMaxFileSize) return std::nullopt;
-        header.sizeImage = uint32_t(imageSize);
-        StoreDibInfoHeader(header, dib.bytes.data());
+        StoreLe32(dib.bytes.data() + 20, uint32_t(imageSize));
     }
-    const uint64_t total = kDibInfoHeaderSize + TableBytes(dib) + imageSize;
+    const uint64_t total = h->bitsOffset + imageSize;
     if (total > dib.bytes.size() || total + kBmpFileHeaderSize > kMaxFileSize) return std::nullopt;
-    return total;
+    return WrittenPart{total, h->bitsOffset};
 }
 
 bool WriteBmp(DibBlock& dib, ByteSink& sink, bool withLength)
 {
-    const std::optional<uint64_t> length = PrepareForWriting(dib);
-    if (!length) return false;
-    const uint32_t fileSize = uint32_t(*length + kBmpFileHeaderSize);
-    const uint32_t bitsOffset = uint32_t(kBmpFileHeaderSize + kDibInfoHeaderSize + TableBytes(dib));
+    const std::optional<WrittenPart> part = PrepareForWriting(dib);
+    if (!part) return false;
+    const uint32_t fileSize = uint32_t(part->length + kBmpFileHeaderSize);
     uint8_t fileHeader[kBmpFileHeaderSize] = {};
     StoreLe16(fileHeader, kBmpSignature);
     StoreLe32(fileHeader + 2, fileSize);
-    StoreLe32(fileHeader + 10, bitsOffset);
+    StoreLe32(fileHeader + 10, kBmpFileHeaderSize + part->bitsOffset);
     if (withLength && !sink.WriteLe(fileSize)) return false;
-    return sink.Write(fileHeader, sizeof fileHeader) && sink.Write(dib.bytes.data(), size_t(*length));
+    return sink.Write(fileHeader, sizeof fileHeader) && sink.Write(dib.bytes.data(), size_t(part->length));
 }
 
 // The header, colour table and image agree with each other and with the
@@ -60,10 +54,7 @@ bool IsSoundDib(const DibBlock& dib)
 {
     const std::optional<DibView> view = ParseDib(dib.bytes);
     if (!view) return false;
-    const uint32_t headerSize = LoadLe32(dib.bytes.data());
-    if (headerSize != kDibInfoHeaderSize && headerSize != kDibCoreHeaderSize) return false;
-    if (headerSize == kDibCoreHeaderSize) return true;
-    const DibInfoHeader header = LoadDibInfoHeader(dib.bytes.data());
+    const DibHeader header = *ReadDibHeader(dib.bytes);
     if (header.clrUsed > 256) return false;
     if (view->compression != DibCompression::Rle4 && view->compression != DibCompression::Rle8) return true;
     return view->bits.size() == header.sizeImage && DecodeDibRle(*view, RleWindow{}) == RleOutcome::Complete;

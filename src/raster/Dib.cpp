@@ -13,30 +13,12 @@ namespace bvx {
 
 namespace {
 
-// The header form's own size, 0 when the block is too short to hold it.
-uint32_t HeaderForm(const DibBlock& dib)
-{
-    if (dib.bytes.size() < 4) return 0;
-    const uint32_t form = LoadLe32(dib.bytes.data()) == kDibInfoHeaderSize ? kDibInfoHeaderSize : kDibCoreHeaderSize;
-    return dib.bytes.size() >= form ? form : 0;
-}
+// The header as every reader takes it; an empty one for a block that is
+// not a bitmap, whose fields all read as 0.
+DibHeader HeaderOf(const DibBlock& dib) { return ReadDibHeader(dib.bytes).value_or(DibHeader{}); }
 
-// Offset and length of the colour table, or nothing if it is absent or does
-// not fit in the block.
-struct TableSpan {
-    size_t offset = 0;
-    size_t entries = 0;
-    size_t entrySize = 0;
-};
-std::optional<TableSpan> ColorTable(const DibBlock& dib)
-{
-    const uint32_t form = HeaderForm(dib);
-    if (form == 0) return std::nullopt;
-    const uint64_t offset = LoadLe32(dib.bytes.data());
-    const uint64_t bytes = DibPaletteSize(dib);
-    if (offset + bytes > dib.bytes.size()) return std::nullopt;
-    return TableSpan{size_t(offset), size_t(DibColorCount(dib)), form == kDibInfoHeaderSize ? 4u : 3u};
-}
+// Whether the colour table lies inside the block.
+bool TableFits(const DibHeader& h, const DibBlock& dib) { return h.size != 0 && h.bitsOffset <= dib.bytes.size(); }
 
 struct DibFormatChoice {
     uint16_t bitCount;
@@ -145,58 +127,22 @@ bool FitsInt32(int64_t v) { return v >= INT32_MIN && v <= INT32_MAX; }
 
 } // namespace
 
-int32_t DibWidth(const DibBlock& dib)
-{
-    switch (HeaderForm(dib)) {
-    case kDibInfoHeaderSize: return int32_t(LoadLe32(dib.bytes.data() + 4));
-    case kDibCoreHeaderSize: return LoadLe16(dib.bytes.data() + 4);
-    default: return 0;
-    }
-}
-
-int32_t DibHeight(const DibBlock& dib)
-{
-    switch (HeaderForm(dib)) {
-    case kDibInfoHeaderSize: return int32_t(LoadLe32(dib.bytes.data() + 8));
-    case kDibCoreHeaderSize: return LoadLe16(dib.bytes.data() + 6);
-    default: return 0;
-    }
-}
-
-uint16_t DibBitCount(const DibBlock& dib)
-{
-    switch (HeaderForm(dib)) {
-    case kDibInfoHeaderSize: return LoadLe16(dib.bytes.data() + 14);
-    case kDibCoreHeaderSize: return LoadLe16(dib.bytes.data() + 10);
-    default: return 0;
-    }
-}
-
-uint32_t DibColorCount(const DibBlock& dib)
-{
-    if (HeaderForm(dib) == kDibInfoHeaderSize) {
-        const uint32_t used = LoadLe32(dib.bytes.data() + 32);
-        if (used != 0) return used;
-    }
-    switch (DibBitCount(dib)) {
-    case 1: return 2;
-    case 4: return 16;
-    case 8: return 256;
-    default: return 0;
-    }
-}
+int32_t DibWidth(const DibBlock& dib) { return HeaderOf(dib).width; }
+int32_t DibHeight(const DibBlock& dib) { return HeaderOf(dib).height; }
+uint16_t DibBitCount(const DibBlock& dib) { return HeaderOf(dib).bitCount; }
+uint32_t DibColorCount(const DibBlock& dib) { return HeaderOf(dib).tableEntries; }
 
 uint64_t DibPaletteSize(const DibBlock& dib)
 {
-    return uint64_t(DibColorCount(dib)) * (HeaderForm(dib) == kDibInfoHeaderSize ? 4 : 3);
+    const DibHeader h = HeaderOf(dib);
+    return uint64_t(h.tableEntries) * h.entrySize;
 }
 
 std::span<const uint8_t> DibBits(const DibBlock& dib)
 {
-    const std::optional<TableSpan> table = ColorTable(dib);
-    if (!table) return {};
-    const size_t offset = table->offset + table->entries * table->entrySize;
-    return std::span<const uint8_t>(dib.bytes).subspan(offset);
+    const DibHeader h = HeaderOf(dib);
+    if (!TableFits(h, dib)) return {};
+    return std::span<const uint8_t>(dib.bytes).subspan(h.bitsOffset);
 }
 
 DibPtr DibCopy(const DibBlock* dib)
@@ -213,11 +159,11 @@ Palette DibToPalette(const DibBlock* dib)
 {
     Palette palette;
     if (dib == nullptr) return palette;
-    const std::optional<TableSpan> table = ColorTable(*dib);
-    if (!table) return palette;
-    palette.entries.resize(table->entries);
-    for (size_t i = 0; i < table->entries; ++i) {
-        const uint8_t* bgr = dib->bytes.data() + table->offset + i * table->entrySize;
+    const DibHeader h = HeaderOf(*dib);
+    if (!TableFits(h, *dib)) return palette;
+    palette.entries.resize(h.tableEntries);
+    for (size_t i = 0; i < h.tableEntries; ++i) {
+        const uint8_t* bgr = dib->bytes.data() + h.tableOffset + i * h.entrySize;
         palette.entries[i] = {bgr[2], bgr[1], bgr[0], 0};
     }
     return palette;

@@ -22,15 +22,17 @@ struct DibBlock {
 // A null pointer is a null handle.
 using DibPtr = std::unique_ptr<DibBlock>;
 
-// By the header form: 40 in the first word is the long form, anything else
-// the core form. A block too short for its header reads as 0.
+// As ReadDibHeader takes the header; a block that is not a bitmap, or too
+// short for its header, reads as 0. The colour count is the table's: the
+// long form's biClrUsed (at most 256) when not 0, else 2, 16 or 256 by the
+// bit count.
 int32_t DibWidth(const DibBlock& dib);
 int32_t DibHeight(const DibBlock& dib);
 uint16_t DibBitCount(const DibBlock& dib);
 uint32_t DibColorCount(const DibBlock& dib);
 uint64_t DibPaletteSize(const DibBlock& dib);
-// The pixels: everything after the header and the colour table; empty if the
-// block ends before them.
+// The pixels: everything after the header, the masks and the colour table;
+// empty if the block ends before them.
 std::span<const uint8_t> DibBits(const DibBlock& dib);
 
 DibPtr DibCopy(const DibBlock* dib);
@@ -51,8 +53,9 @@ int32_t DibPaint(DeviceContext& dc, const DeviceRect& dest, const DibBlock& dib,
                  const Palette* palette);
 
 // .bmp files, and the sized form embedded in the native file: the file size
-// as a 32-bit word, then the .bmp bytes. Only long-form headers are written;
-// false for a core-form block or one shorter than its header says. An
+// as a 32-bit word, then the .bmp bytes. Only long-form headers are written,
+// each at its own size; false for a core-form block or one shorter than its
+// header says. An
 // uncompressed block gets its image size recomputed and stored back.
 bool DibWriteBmp(DibBlock& dib, ByteSink& sink);
 bool DibWriteBlock(DibBlock& dib, ByteSink& sink);

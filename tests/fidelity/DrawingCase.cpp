@@ -1,5 +1,7 @@
 #include "DrawingCase.h"
 
+#include "platform/DibFormat.h"
+
 #include <algorithm>
 #include <climits>
 #include <fstream>
@@ -21,6 +23,15 @@ bool ParseInt(const std::string& word, int32_t& value)
     } catch (...) {
         return false;
     }
+}
+
+// Up to eight hex digits, nothing else.
+bool ParseHex(const std::string& word, uint32_t& value)
+{
+    if (word.empty() || word.size() > 8 || word.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+        return false;
+    value = uint32_t(std::stoul(word, nullptr, 16));
+    return true;
 }
 
 // "#rrggbb" as people write colours.
@@ -145,12 +156,104 @@ public:
         if (verb == "fillrect" && numbers(1, 4)) return dc_.FillRect({n[0], n[1], n[2], n[3]}, brush_), true;
         if (verb == "framerect" && numbers(1, 4)) return dc_.FrameRect({n[0], n[1], n[2], n[3]}, brush_), true;
         if (verb == "focusrect" && numbers(1, 4)) return dc_.DrawFocusRect({n[0], n[1], n[2], n[3]}), true;
+        if (verb == "clip" && numbers(1, 4)) return dc_.IntersectClipRect(n[0], n[1], n[2], n[3]), true;
+        if (verb == "dib" && (numbers(1, 5) || numbers(1, 6))) return StartDib(n);
+        if (verb == "masks" && words.size() == 4) return SetMasks(words);
+        if (verb == "colors" && words.size() > 1) return AddColors(words);
+        if (verb == "bytes" && words.size() > 1) return AddBytes(words);
+        // A paint that draws nothing is a mistake in the case, not a result.
+        if (verb == "setdibits" && numbers(1, 6))
+            return dc_.SetDIBitsToDevice(n[0], n[1], n[2], n[3], n[4], n[5], Dib()) != 0;
+        if (verb == "stretchdibits" && numbers(1, 8))
+            return dc_.StretchDIBits(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7], Dib(), RasterOp::SrcCopy) != 0;
         if (verb == "savedc" && words.size() == 1) return dc_.SaveDC(), true;
         if (verb == "restoredc" && numbers(1, 1)) return dc_.RestoreDC(n[0]), true;
         return false;
     }
 
 private:
+    // dib SIZE WIDTH HEIGHT BITS COMPRESSION [CLRUSED]: a header of SIZE
+    // bytes, 12 being the core form; the commands after it add to the block.
+    bool StartDib(const std::vector<int32_t>& n)
+    {
+        const uint32_t size = uint32_t(n[0]);
+        if (size != kDibCoreHeaderSize && (size < kDibInfoHeaderSize || size > 124)) return false;
+        dib_.assign(size, 0);
+        pixelBytes_ = 0;
+        StoreLe32(dib_.data(), size);
+        if (size == kDibCoreHeaderSize) {
+            StoreLe16(dib_.data() + 4, uint16_t(n[1]));
+            StoreLe16(dib_.data() + 6, uint16_t(n[2]));
+            StoreLe16(dib_.data() + 8, 1);
+            StoreLe16(dib_.data() + 10, uint16_t(n[3]));
+            return n[4] == 0 && n.size() == 5;
+        }
+        DibInfoHeader h;
+        h.size = size;
+        h.width = n[1];
+        h.height = n[2];
+        h.bitCount = uint16_t(n[3]);
+        h.compression = uint32_t(n[4]);
+        h.clrUsed = n.size() == 6 ? uint32_t(n[5]) : 0;
+        StoreDibInfoHeader(h, dib_.data());
+        return true;
+    }
+
+    // masks R G B, in hex: where every long form keeps them, right after its
+    // first 40 bytes; before any colour or pixel.
+    bool SetMasks(const std::vector<std::string>& words)
+    {
+        constexpr size_t kEnd = kDibInfoHeaderSize + 12;
+        if (dib_.size() < kDibInfoHeaderSize || dib_.size() > std::max<size_t>(LoadLe32(dib_.data()), kEnd))
+            return false;
+        if (dib_.size() < kEnd) dib_.resize(kEnd, 0);
+        for (size_t i = 0; i < 3; ++i) {
+            uint32_t mask = 0;
+            if (!ParseHex(words[i + 1], mask)) return false;
+            StoreLe32(dib_.data() + kDibInfoHeaderSize + 4 * i, mask);
+        }
+        return true;
+    }
+
+    // colors #c...: table entries, three bytes each in the core form.
+    bool AddColors(const std::vector<std::string>& words)
+    {
+        if (dib_.empty()) return false;
+        const bool core = LoadLe32(dib_.data()) == kDibCoreHeaderSize;
+        for (size_t i = 1; i < words.size(); ++i) {
+            ColorRef c = 0;
+            if (!ParseColor(words[i], c)) return false;
+            dib_.insert(dib_.end(), {BlueOf(c), GreenOf(c), RedOf(c)});
+            if (!core) dib_.push_back(0);
+        }
+        return true;
+    }
+
+    // bytes HEX...: pixel bytes, two hex digits each, as stored.
+    bool AddBytes(const std::vector<std::string>& words)
+    {
+        if (dib_.empty()) return false;
+        for (size_t i = 1; i < words.size(); ++i) {
+            const std::string& w = words[i];
+            if (w.size() % 2 != 0) return false;
+            for (size_t k = 0; k < w.size(); k += 2) {
+                uint32_t byte = 0;
+                if (!ParseHex(w.substr(k, 2), byte)) return false;
+                dib_.push_back(uint8_t(byte));
+                ++pixelBytes_;
+            }
+        }
+        return true;
+    }
+
+    // The block as painted: a long header's image size is the pixel bytes given.
+    std::span<const uint8_t> Dib()
+    {
+        if (dib_.size() >= kDibInfoHeaderSize && LoadLe32(dib_.data()) != kDibCoreHeaderSize)
+            StoreLe32(dib_.data() + 20, pixelBytes_);
+        return dib_;
+    }
+
     static bool ParseTwo(const std::string& a, const std::string& b, std::vector<int32_t>& n)
     {
         n.assign(2, 0);
@@ -167,6 +270,8 @@ private:
     DeviceContext& dc_;
     Brush brush_{};
     int32_t hatch_ = 0;
+    std::vector<uint8_t> dib_;
+    uint32_t pixelBytes_ = 0;
 };
 
 } // namespace

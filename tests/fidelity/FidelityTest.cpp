@@ -1,4 +1,6 @@
-// The raster device against pictures drawn by the platform's GDI under Wine.
+// The raster device against pictures drawn by the platform's GDI under Wine:
+// every drawing case identical and every region probe answered alike, but
+// for the reviewed differences listed in tests/data/gdi_known_differences.txt.
 #include "DrawingCase.h"
 #include "PixelFile.h"
 #include "platform/Region.h"
@@ -8,12 +10,13 @@
 
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace bvx::fidelity {
 namespace {
 
-const char* ReferenceDir() { return BVX_GDI_REFERENCE_DIR; }
+const std::string kReferenceDir = BVX_GDI_REFERENCE_DIR;
 
 Region MakeRegion(const RegionCase& r)
 {
@@ -26,18 +29,53 @@ Region MakeRegion(const RegionCase& r)
     return CreatePolygonRgn(p, r.kind == "polygon-winding" ? PolyFillMode::Winding : PolyFillMode::Alternate);
 }
 
-struct CaseResult {
-    std::string name;
-    int64_t differing = 0;
-    int64_t pixels = 0;
+// Case and region names, one a line, each followed by why it may differ.
+std::set<std::string> KnownDifferences()
+{
+    std::set<std::string> names;
+    std::ifstream in(BVX_TEST_DATA_DIR "/gdi_known_differences.txt");
+    for (std::string line; std::getline(in, line);) {
+        std::istringstream words(line.substr(0, line.find("//")));
+        if (std::string name; words >> name) names.insert(name);
+    }
+    return names;
+}
+
+// One table row a differing case or region: name, differing, of how many.
+struct Tally {
+    std::ostringstream rows;
+    int64_t items = 0, alikeItems = 0, units = 0, alikeUnits = 0;
+    std::set<std::string> differing;
+
+    void Add(const std::string& name, int64_t wrong, int64_t of)
+    {
+        ++items;
+        units += of;
+        alikeUnits += of - wrong;
+        if (wrong == 0) {
+            ++alikeItems;
+            return;
+        }
+        differing.insert(name);
+        rows << "| " << name << " | " << wrong << " | " << of << " |\n";
+    }
+    std::string Table(const char* what, const char* unit) const
+    {
+        return std::string("\n| ") + what + " | differing " + unit + " | of |\n| --- | ---: | ---: |\n" +
+               (differing.empty() ? "| (none) | | |\n" : rows.str());
+    }
 };
+
+void ExpectOnlyKnown(const Tally& tally)
+{
+    static const std::set<std::string> known = KnownDifferences();
+    for (const std::string& name : tally.differing)
+        EXPECT_TRUE(known.count(name)) << name << " differs from GDI and is not a known difference";
+}
 
 class Fidelity : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
-        cases_ = ParseCaseFile(BVX_TEST_DATA_DIR "/gdi_cases.txt");
-    }
+    static void SetUpTestSuite() { cases_ = ParseCaseFile(BVX_TEST_DATA_DIR "/gdi_cases.txt"); }
     static CaseFile cases_;
 };
 CaseFile Fidelity::cases_;
@@ -46,69 +84,54 @@ TEST_F(Fidelity, DrawingCasesMatchTheReference)
 {
     ASSERT_EQ(cases_.error, "");
     ASSERT_GE(cases_.drawings.size(), 300u);
-    std::vector<CaseResult> differing;
-    size_t identical = 0;
+    Tally tally;
     for (const DrawingCase& c : cases_.drawings) {
-        auto reference = ReadPixelFile(std::string(ReferenceDir()) + "/" + c.name + ".bmp");
+        const BitmapHandle reference = ReadPixelFile(kReferenceDir + "/" + c.name + ".bmp");
         ASSERT_TRUE(reference) << "no reference picture for " << c.name;
-        auto ours = CreateBitmap(c.width, c.height);
+        const BitmapHandle ours = CreateBitmap(c.width, c.height);
         RasterDeviceContext dc(ours);
         std::string error;
         ASSERT_TRUE(PlayCase(c, dc, error)) << error;
-        CaseResult result{c.name, 0, int64_t(c.width) * c.height};
-        for (size_t i = 0; i < ours->Pixels().size(); ++i)
-            result.differing += ours->Pixels()[i] != reference->Pixels()[i];
-        if (result.differing == 0)
-            ++identical;
-        else
-            differing.push_back(result);
+        int64_t wrong = 0;
+        for (size_t i = 0; i < ours->Pixels().size(); ++i) wrong += ours->Pixels()[i] != reference->Pixels()[i];
+        tally.Add(c.name, wrong, int64_t(c.width) * c.height);
     }
-
     std::ostringstream report;
-    report << "| case | differing pixels | of |\n| --- | ---: | ---: |\n";
-    for (const auto& r : differing) report << "| " << r.name << " | " << r.differing << " | " << r.pixels << " |\n";
-    report << "\nReference: GDI of " BVX_WINE_VERSION ".\n";
-    report << "\nIdentical: " << identical << " of " << cases_.drawings.size() << " drawing cases.\n";
+    report << "Reference: GDI of " BVX_WINE_VERSION ".\n" << tally.Table("case", "pixels") << "\nIdentical: "
+           << tally.alikeItems << " of " << tally.items << " drawing cases.\n";
     std::ofstream(BVX_FIDELITY_REPORT) << report.str();
     std::printf("%s", report.str().c_str());
-
-    EXPECT_GE(identical * 100, cases_.drawings.size() * 97) << "fewer than 97% of the cases are pixel-identical";
-    for (const auto& r : differing)
-        EXPECT_LE(r.differing * 100, r.pixels) << r.name << " differs in more than 1% of its pixels";
+    ExpectOnlyKnown(tally);
 }
 
 TEST_F(Fidelity, RegionsAnswerProbesAsTheReference)
 {
     ASSERT_EQ(cases_.error, "");
-    std::ifstream in(std::string(ReferenceDir()) + "/regions.txt");
+    std::ifstream in(kReferenceDir + "/regions.txt");
     ASSERT_TRUE(in) << "no reference region answers";
     std::map<std::string, std::string> answers;
     for (std::string name, bits; in >> name >> bits;) answers[name] = bits;
 
-    int64_t probes = 0, alike = 0;
-    std::ostringstream report;
+    Tally tally;
     for (const RegionCase& r : cases_.regions) {
         ASSERT_TRUE(answers.count(r.name)) << r.name;
         const std::string& expected = answers[r.name];
-        Region region = MakeRegion(r);
-        DeviceRect box = ProbeBox(r);
-        size_t i = 0;
+        const Region region = MakeRegion(r);
+        const DeviceRect box = ProbeBox(r);
+        ASSERT_EQ(expected.size(), size_t(box.Width() * box.Height())) << r.name;
         int64_t wrong = 0;
+        size_t i = 0;
         for (int32_t y = box.top; y < box.bottom; ++y)
-            for (int32_t x = box.left; x < box.right; ++x, ++i) {
-                ASSERT_LT(i, expected.size()) << r.name;
-                wrong += region.PtInRegion(x, y) != (expected[i] == '1');
-            }
-        probes += int64_t(i);
-        alike += int64_t(i) - wrong;
-        if (wrong) report << "| " << r.name << " | " << wrong << " | " << i << " |\n";
+            for (int32_t x = box.left; x < box.right; ++x) wrong += region.PtInRegion(x, y) != (expected[i++] == '1');
+        tally.Add(r.name, wrong, int64_t(expected.size()));
     }
-    std::ofstream(BVX_FIDELITY_REPORT, std::ios::app)
-        << "\n| region | differing probes | of |\n| --- | ---: | ---: |\n"
-        << report.str() << "\nRegion probes answering alike: " << alike << " of " << probes << ".\n";
-    std::printf("region probes alike: %lld of %lld\n%s", (long long)alike, (long long)probes, report.str().c_str());
-    EXPECT_GE(probes, 2000);
-    EXPECT_GE(alike * 100, probes * 99);
+    std::ostringstream report;
+    report << tally.Table("region", "probes") << "\nRegion probes answering alike: " << tally.alikeUnits << " of "
+           << tally.units << ".\n";
+    std::ofstream(BVX_FIDELITY_REPORT, std::ios::app) << report.str();
+    std::printf("%s", report.str().c_str());
+    EXPECT_GE(tally.units, 2000);
+    ExpectOnlyKnown(tally);
 }
 
 } // namespace

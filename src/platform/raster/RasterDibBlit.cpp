@@ -4,9 +4,11 @@
 #include "RasterDeviceContext.h"
 
 #include "../DibFormat.h"
+#include "WideMath.h"
 
 #include <algorithm>
 #include <bit>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -15,8 +17,8 @@ namespace bvx {
 
 namespace {
 
-// A pixel that run-length data never set: the surface keeps what it had.
-// Real colours have a zero top byte.
+// A pixel that run-length data never set, where the surface keeps what it
+// had. Real colours have a zero top byte.
 constexpr uint32_t kUnsetPixel = 0xFF000000u;
 
 // One axis of a paint: destination coordinates first .. first + slot.size()
@@ -28,12 +30,28 @@ struct AxisSampling {
     std::vector<int32_t> sources;
 };
 
+// The source pixel shown by destination pixel `step` (both counted from
+// their origins) when `sourceCount` pixels map onto `destCount`, as the
+// platform's colour-on-colour stretch walks them. Enlarging, a destination
+// pixel shows the source pixel under its centre, the lower one on a tie.
+// Shrinking, each destination pixel gathers the source pixels whose centres
+// fall in it (a tie goes to the lower) and keeps the last of its columns but
+// the first of its rows.
+int64_t SourceStep(uint64_t step, uint64_t destCount, uint64_t sourceCount, bool columns)
+{
+    using raster::Int128;
+    const Int128 d = Int128(destCount), s = Int128(sourceCount), j = Int128(step);
+    if (destCount >= sourceCount) return int64_t(((2 * j + 1) * s - 1) / (2 * d));
+    if (columns) return int64_t(((2 * j + 2) * s - d) / (2 * d));
+    return int64_t((2 * j * s + d) / (2 * d));
+}
+
 // Maps a destination extent onto a source extent, each an origin and a
 // signed size (a negative size runs leftwards from the origin, mirroring).
 // Only destination pixels inside [clipLow, clipHigh) whose source lies in
 // [0, sourceLimit) are kept. False when none is.
 bool SampleAxis(int64_t destOrigin, int64_t destSize, int64_t sourceOrigin, int64_t sourceSize, int64_t clipLow,
-                int64_t clipHigh, int64_t sourceLimit, AxisSampling& axis)
+                int64_t clipHigh, int64_t sourceLimit, bool columns, AxisSampling& axis)
 {
     if (destSize == 0 || sourceSize == 0) return false;
     const uint64_t destCount = uint64_t(destSize < 0 ? -destSize : destSize);
@@ -48,8 +66,7 @@ bool SampleAxis(int64_t destOrigin, int64_t destSize, int64_t sourceOrigin, int6
     int64_t keptLow = high;
     for (int64_t d = low; d < high; ++d) {
         const uint64_t step = uint64_t(destSize > 0 ? d - destOrigin : destOrigin - d);
-        // Sample at the pixel centre: integer ratios repeat or drop whole pixels.
-        const int64_t offset = int64_t((2 * step + 1) * sourceCount / (2 * destCount));
+        const int64_t offset = SourceStep(step, destCount, sourceCount, columns);
         const int64_t s = sourceSize > 0 ? sourceOrigin + offset : sourceOrigin - offset;
         if (s < 0 || s >= sourceLimit) {
             if (!shown.empty()) break; // the mapping is monotonic: nothing further lands inside
@@ -84,16 +101,18 @@ uint8_t ExpandChannel(uint32_t pixel, uint32_t mask)
     const int bits = std::popcount(mask);
     const uint32_t value = (pixel & mask) >> shift;
     if (bits >= 8) return uint8_t(value >> (bits - 8));
-    uint32_t x = value << (8 - bits);
-    for (int filled = bits; filled < 8; filled *= 2) x |= x >> filled; // replicate the bits downwards
-    return uint8_t(x);
+    // The channel's bits on top, repeated once below them: fields of fewer
+    // than four bits leave the lowest bits clear, as the platform does.
+    const uint32_t x = value << (8 - bits);
+    return uint8_t(x | x >> bits);
 }
 
 // Turns the sampled pixels of a parsed DIB's rows into ColorRefs.
 class DibRowReader {
 public:
-    DibRowReader(const DibView& view, const AxisSampling& columns, const AxisSampling& rows)
-        : view_(view), columns_(columns.sources)
+    // `unset` is what run-length data shows where it set nothing.
+    DibRowReader(const DibView& view, const AxisSampling& columns, const AxisSampling& rows, uint32_t unset)
+        : view_(view), columns_(columns.sources), unset_(unset)
     {
         if (!IsRunLength()) return;
         // Run-length data is decoded once, into just the pixels shown.
@@ -115,7 +134,7 @@ public:
         if (IsRunLength()) {
             const size_t start = rowSlot * columns_.size();
             for (size_t i = 0; i < columns_.size(); ++i)
-                out[i] = written_[start + i] ? view_.colors[indices_[start + i]] : kUnsetPixel;
+                out[i] = written_[start + i] ? view_.colors[indices_[start + i]] : unset_;
             return;
         }
         const int32_t stored = view_.topDown ? row : view_.height - 1 - row;
@@ -151,15 +170,17 @@ private:
 
     const DibView& view_;
     std::span<const int32_t> columns_;
+    uint32_t unset_;
     std::vector<uint8_t> indices_;
     std::vector<uint8_t> written_;
 };
 
 // Copies the sampled source onto the surface, one destination row at a time.
-void PaintSampled(Bitmap& surface, const DibView& view, const AxisSampling& columns, const AxisSampling& rows)
+void PaintSampled(Bitmap& surface, const DibView& view, const AxisSampling& columns, const AxisSampling& rows,
+                  uint32_t unset)
 {
-    const DibRowReader reader(view, columns, rows);
-    const bool mayLeaveUnset = reader.IsRunLength();
+    const DibRowReader reader(view, columns, rows, unset);
+    const bool mayLeaveUnset = reader.IsRunLength() && unset == kUnsetPixel;
     std::vector<uint32_t> sourceRow(columns.sources.size());
     const size_t width = columns.slot.size();
     size_t lastSlot = SIZE_MAX;
@@ -187,14 +208,17 @@ struct DibMapping {
     int64_t destY, destHeight, sourceTop, sourceHeight;
 };
 
-void PaintDib(Bitmap* surface, const DeviceRect& clip, const DibView& view, const DibMapping& m)
+void PaintDib(Bitmap* surface, const DeviceRect& clip, const DibView& view, const DibMapping& m,
+              uint32_t unset = kUnsetPixel)
 {
     AxisSampling columns, rows;
     if (surface == nullptr || clip.IsEmpty() ||
-        !SampleAxis(m.destX, m.destWidth, m.sourceX, m.sourceWidth, clip.left, clip.right, view.width, columns) ||
-        !SampleAxis(m.destY, m.destHeight, m.sourceTop, m.sourceHeight, clip.top, clip.bottom, view.height, rows))
+        !SampleAxis(m.destX, m.destWidth, m.sourceX, m.sourceWidth, clip.left, clip.right, view.width, true,
+                    columns) ||
+        !SampleAxis(m.destY, m.destHeight, m.sourceTop, m.sourceHeight, clip.top, clip.bottom, view.height, false,
+                    rows))
         return;
-    PaintSampled(*surface, view, columns, rows);
+    PaintSampled(*surface, view, columns, rows, unset);
 }
 
 } // namespace
@@ -202,15 +226,25 @@ void PaintDib(Bitmap* surface, const DeviceRect& clip, const DibView& view, cons
 int32_t RasterDeviceContext::SetDIBitsToDevice(int32_t xDest, int32_t yDest, int32_t width, int32_t height,
                                                int32_t xSource, int32_t ySource, std::span<const uint8_t> packedDib)
 {
-    const std::optional<DibView> view = ParseDib(packedDib);
+    std::optional<DibView> view = ParseDib(packedDib);
     if (!view || width < 0 || height < 0) return 0;
+    const int32_t rows = view->height;
+    if (view->compression == DibCompression::Rle4 || view->compression == DibCompression::Rle8) {
+        // Run-length data is decoded into an image just reaching the far
+        // corner of the source rectangle, whatever the header's size: runs
+        // past the stored width show when the rectangle reaches beyond it.
+        const int64_t decodedWidth = int64_t(xSource) + width, decodedHeight = int64_t(ySource) + height;
+        if (decodedWidth <= 0 || decodedHeight <= 0 || decodedWidth > INT32_MAX || decodedHeight > INT32_MAX) return 0;
+        view->width = int32_t(decodedWidth);
+        view->height = int32_t(decodedHeight);
+    }
     // The source origin is the lower-left corner, counted in rows from the
     // bottom, whichever way the rows are stored.
     const int64_t sourceTop = int64_t(view->height) - ySource - height;
     if (!ExtentMeets(xSource, width, view->width) || !ExtentMeets(sourceTop, height, view->height)) return 0;
     const DibMapping mapping{xDest, width, xSource, width, yDest, height, sourceTop, height};
     PaintDib(state_.bitmap.get(), EffectiveClip(), *view, mapping);
-    return view->height;
+    return rows;
 }
 
 int32_t RasterDeviceContext::StretchDIBits(int32_t xDest, int32_t yDest, int32_t destWidth, int32_t destHeight,
@@ -225,11 +259,18 @@ int32_t RasterDeviceContext::StretchDIBits(int32_t xDest, int32_t yDest, int32_t
         xSource == 0 && ySource == 0 && sourceWidth == destWidth && sourceHeight == destHeight;
     int64_t sourceTop = ySource;
     if (!view->topDown || !unstretchedFromOrigin) sourceTop = int64_t(view->height) - ySource - sourceHeight;
+    // A mirrored source extent that starts past the bottom edge, or comes
+    // back far above the top, is moved as the platform moves it.
+    if (sourceTop >= view->height && sourceTop + sourceHeight + 1 < view->height) sourceTop = view->height - 1;
+    else if (sourceTop > 0 && sourceTop + sourceHeight + 1 < 0) sourceTop = -int64_t(sourceHeight) - 1;
 
     if (!ExtentMeets(xSource, sourceWidth, view->width) || !ExtentMeets(sourceTop, sourceHeight, view->height))
         return 0;
     const DibMapping mapping{xDest, destWidth, xSource, sourceWidth, yDest, destHeight, sourceTop, sourceHeight};
-    PaintDib(state_.bitmap.get(), EffectiveClip(), *view, mapping);
+    // Only an unstretched copy from the origin leaves the pixels run-length
+    // data skips alone; otherwise they show colour 0.
+    const uint32_t unset = unstretchedFromOrigin ? kUnsetPixel : view->colors[0];
+    PaintDib(state_.bitmap.get(), EffectiveClip(), *view, mapping, unset);
     return view->height;
 }
 

@@ -1,7 +1,9 @@
 #include "GdiDeviceContext.h"
 
+#include "platform/DibFormat.h"
+
 #include <algorithm>
-#include <cstring>
+#include <optional>
 #include <utility>
 
 namespace bvx {
@@ -17,26 +19,33 @@ std::vector<POINT> ToPoints(std::span<const DevicePoint> points)
 
 RECT ToRect(const DeviceRect& r) { return {r.left, r.top, r.right, r.bottom}; }
 
-// The packed block is header, colour table, bits; GDI wants the first two
-// and the bits apart.
-const uint8_t* BitsOf(std::span<const uint8_t> packedDib)
+// A packed bitmap as GDI takes it: header and colour table in one block, the
+// pixels in another. Both come from the parse the raster device uses, so the
+// two devices agree on what a block holds, and GDI never reads past it.
+struct GdiDib {
+    std::vector<uint8_t> info;
+    const uint8_t* bits = nullptr;
+    int32_t rows = 0;
+};
+
+std::optional<GdiDib> ForGdi(std::span<const uint8_t> packedDib)
 {
-    if (packedDib.size() < 16) return nullptr;
-    uint32_t headerSize = 0;
-    std::memcpy(&headerSize, packedDib.data(), 4);
-    uint32_t colors = 0;
-    uint16_t bitCount = 0;
-    size_t entry = 4;
-    if (headerSize >= 40 && packedDib.size() >= 40) {
-        std::memcpy(&bitCount, packedDib.data() + 14, 2);
-        std::memcpy(&colors, packedDib.data() + 32, 4);
-    } else {
-        std::memcpy(&bitCount, packedDib.data() + 10, 2);
-        entry = 3;
+    const std::optional<DibView> view = ParseDib(packedDib);
+    if (!view) return std::nullopt;
+    GdiDib dib;
+    dib.bits = view->bits.data();
+    dib.rows = view->height;
+    dib.info.assign(packedDib.data(), dib.bits);
+    const uint32_t headerSize = LoadLe32(dib.info.data());
+    if (headerSize != kDibCoreHeaderSize) {
+        // GDI reads run-length data as far as the header's image size says.
+        StoreLe32(dib.info.data() + 20, uint32_t(view->bits.size()));
+        // Past the masks, the longer headers name colour spaces and profiles,
+        // which the parse skips; GDI is not given them either.
+        constexpr size_t kMasksEnd = kDibInfoHeaderSize + 12;
+        if (headerSize > kMasksEnd) std::fill(dib.info.begin() + kMasksEnd, dib.info.begin() + headerSize, 0);
     }
-    if (colors == 0 && bitCount <= 8) colors = 1u << bitCount;
-    size_t offset = size_t(headerSize) + colors * entry;
-    return offset < packedDib.size() ? packedDib.data() + offset : nullptr;
+    return dib;
 }
 
 } // namespace
@@ -243,23 +252,25 @@ bool GdiDeviceContext::RestoreDC(int32_t saved)
 int32_t GdiDeviceContext::SetDIBitsToDevice(int32_t xDest, int32_t yDest, int32_t width, int32_t height,
                                             int32_t xSource, int32_t ySource, std::span<const uint8_t> packedDib)
 {
-    const uint8_t* bits = BitsOf(packedDib);
-    if (!bits) return 0;
-    auto info = reinterpret_cast<const BITMAPINFO*>(packedDib.data());
-    LONG dibHeight = info->bmiHeader.biSize >= 40 ? std::abs(info->bmiHeader.biHeight)
-                                                  : reinterpret_cast<const BITMAPCOREHEADER*>(info)->bcHeight;
-    return ::SetDIBitsToDevice(hdc_, xDest, yDest, DWORD(width), DWORD(height), xSource, ySource, 0, UINT(dibHeight),
-                               bits, info, DIB_RGB_COLORS);
+    const std::optional<GdiDib> dib = ForGdi(packedDib);
+    if (!dib || width < 0 || height < 0) return 0;
+    return ::SetDIBitsToDevice(hdc_, xDest, yDest, DWORD(width), DWORD(height), xSource, ySource, 0, UINT(dib->rows),
+                               dib->bits, reinterpret_cast<const BITMAPINFO*>(dib->info.data()), DIB_RGB_COLORS);
 }
 
 int32_t GdiDeviceContext::StretchDIBits(int32_t xDest, int32_t yDest, int32_t destWidth, int32_t destHeight,
                                         int32_t xSource, int32_t ySource, int32_t sourceWidth, int32_t sourceHeight,
                                         std::span<const uint8_t> packedDib, uint32_t rop)
 {
-    const uint8_t* bits = BitsOf(packedDib);
-    if (!bits) return 0;
-    return ::StretchDIBits(hdc_, xDest, yDest, destWidth, destHeight, xSource, ySource, sourceWidth, sourceHeight,
-                           bits, reinterpret_cast<const BITMAPINFO*>(packedDib.data()), DIB_RGB_COLORS, rop);
+    const std::optional<GdiDib> dib = ForGdi(packedDib);
+    if (!dib) return 0;
+    // The device stretches colour on colour, as the raster device does.
+    const int oldMode = ::SetStretchBltMode(hdc_, COLORONCOLOR);
+    const int rows =
+        ::StretchDIBits(hdc_, xDest, yDest, destWidth, destHeight, xSource, ySource, sourceWidth, sourceHeight,
+                        dib->bits, reinterpret_cast<const BITMAPINFO*>(dib->info.data()), DIB_RGB_COLORS, rop);
+    ::SetStretchBltMode(hdc_, oldMode);
+    return rows;
 }
 
 bool GdiDeviceContext::TextOutA(int32_t x, int32_t y, std::string_view text)
