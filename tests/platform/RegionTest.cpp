@@ -1,4 +1,6 @@
-// Regions: which pixels each factory holds, and the point test.
+// Regions: the band structure and the point test agree. Which pixels each
+// factory holds is held to GDI by the region probes of the fidelity
+// comparison.
 #include "platform/Region.h"
 
 #include <gtest/gtest.h>
@@ -7,55 +9,6 @@
 
 namespace bvx {
 namespace {
-
-std::string Picture(const Region& r, int32_t w, int32_t h)
-{
-    std::string s = "\n";
-    for (int32_t y = 0; y < h; ++y) {
-        for (int32_t x = 0; x < w; ++x) s += r.PtInRegion(x, y) ? '#' : '.';
-        s += "\n";
-    }
-    return s;
-}
-
-struct RegionCase {
-    const char* name;
-    Region (*make)();
-    const char* picture; // 10 x 8
-};
-
-// Pictures as the platform's regions hold them (checked against GDI under
-// Wine): right and bottom edges excluded; elliptic and rounded regions are
-// one pixel smaller than the box at the right and bottom.
-const RegionCase kRegions[] = {
-    {"rect", [] { return CreateRectRgn(1, 2, 6, 5); },
-     "\n..........\n..........\n.#####....\n.#####....\n.#####....\n..........\n..........\n..........\n"},
-    {"rect_reversed", [] { return CreateRectRgn(6, 5, 1, 2); },
-     "\n..........\n..........\n.#####....\n.#####....\n.#####....\n..........\n..........\n..........\n"},
-    {"rect_empty", [] { return CreateRectRgn(3, 3, 3, 7); },
-     "\n..........\n..........\n..........\n..........\n..........\n..........\n..........\n..........\n"},
-    {"ellipse", [] { return CreateEllipticRgn(0, 0, 9, 8); },
-     "\n..####....\n.######...\n########..\n########..\n########..\n.######...\n..####....\n..........\n"},
-    {"roundrect", [] { return CreateRoundRectRgn(0, 0, 10, 8, 4, 4); },
-     "\n.#######..\n#########.\n#########.\n#########.\n#########.\n#########.\n.#######..\n..........\n"},
-    {"roundrect_small_corner_is_rect", [] { return CreateRoundRectRgn(0, 0, 10, 8, 1, 1); },
-     "\n#########.\n#########.\n#########.\n#########.\n#########.\n#########.\n#########.\n..........\n"},
-    {"triangle", [] {
-         const DevicePoint p[] = {{0, 7}, {4, 0}, {9, 7}};
-         return CreatePolygonRgn(p, PolyFillMode::Alternate);
-     },
-     "\n..........\n....#.....\n...###....\n...####...\n..#####...\n..######..\n.########.\n..........\n"},
-};
-
-class RegionPicture : public ::testing::TestWithParam<RegionCase> {};
-
-TEST_P(RegionPicture, HoldsThePlatformsPixels)
-{
-    EXPECT_EQ(Picture(GetParam().make(), 10, 8), GetParam().picture);
-}
-
-INSTANTIATE_TEST_SUITE_P(Region, RegionPicture, ::testing::ValuesIn(kRegions),
-                         [](const ::testing::TestParamInfo<RegionCase>& info) { return std::string(info.param.name); });
 
 TEST(Region, BandsMergeEqualRowsAndBoxIsTight)
 {
@@ -66,7 +19,7 @@ TEST(Region, BandsMergeEqualRowsAndBoxIsTight)
     EXPECT_FALSE(Region().PtInRegion(0, 0));
 }
 
-TEST(Region, PointTestMatchesALinearScan)
+TEST(Region, PointTestMatchesALinearScanOfTheBands)
 {
     std::mt19937 rng(9);
     std::uniform_int_distribution<int32_t> d(-10, 110);
@@ -76,13 +29,9 @@ TEST(Region, PointTestMatchesALinearScan)
     for (int32_t y = -12; y < 112; ++y) {
         for (int32_t x = -12; x < 112; ++x) {
             bool in = false;
-            for (const Region::Band& b : r.Bands()) {
-                if (y < b.top || y >= b.bottom) continue;
-                for (uint32_t k = 0; k < b.spanCount; ++k) {
-                    const Region::Span& s = r.Spans()[b.firstSpan + k];
-                    in = in || (x >= s.left && x < s.right);
-                }
-            }
+            for (const Region::Band& b : r.Bands())
+                for (uint32_t k = 0; k < b.spanCount && y >= b.top && y < b.bottom; ++k)
+                    in = in || (x >= r.Spans()[b.firstSpan + k].left && x < r.Spans()[b.firstSpan + k].right);
             ASSERT_EQ(r.PtInRegion(x, y), in) << x << "," << y;
         }
     }

@@ -1,119 +1,129 @@
-// The format pairs DibFromBitmap accepts, and how it chooses colours: exact
-// when they fit, reduced when they do not, mapped when a palette is given.
+// Surfaces read out as DIBs: the format pairs accepted, each written as .bmp,
+// read back and painted to the same pixels when its colours fit; and how
+// colours are chosen when they do not, or when a palette is given.
 #include "DibTestSupport.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <set>
 
 namespace bvx {
 namespace {
 
+using test::Bytes;
 using test::MakeSurface;
 
-struct PairCase {
+ColorRef NthColor(int i) { return MakeRgb(uint8_t(i), uint8_t(255 - i), uint8_t(i * 7)); }
+
+std::set<ColorRef> ColorsOf(const Bitmap& bitmap) { return {bitmap.Pixels().begin(), bitmap.Pixels().end()}; }
+
+struct FormatCase {
     int16_t bits;
     int32_t compression;
     uint16_t storedBits; // 0: refused
     DibCompression storedCompression;
+    int colors; // distinct colours drawn; 0: a true-colour gradient
 };
 
-void PrintTo(const PairCase& c, std::ostream* os) { *os << "bits " << c.bits << " compression " << c.compression; }
+void PrintTo(const FormatCase& c, std::ostream* os) { *os << "bits " << c.bits << " compression " << c.compression; }
 
-class DibFormatPair : public testing::TestWithParam<PairCase> {};
+class DibFormat : public testing::TestWithParam<FormatCase> {};
 
-TEST_P(DibFormatPair, IsAcceptedOrRefused)
+// Long runs on the left (some longer than one code holds), noise on the
+// right, and rows that differ so that a flip would show.
+TEST_P(DibFormat, RoundTripsThroughABmpFileOrIsRefused)
 {
-    const PairCase& c = GetParam();
-    const BitmapHandle surface = MakeSurface(3, 2, [](int32_t x, int32_t) { return x ? kWhite : kBlack; });
-    const DibPtr dib = DibFromBitmap(*surface, c.bits, c.compression, nullptr);
-    if (c.storedBits == 0) {
-        EXPECT_FALSE(dib);
-        return;
-    }
-    ASSERT_TRUE(dib);
-    EXPECT_EQ(DibBitCount(*dib), c.storedBits);
-    EXPECT_EQ(LoadDibInfoHeader(dib->bytes.data()).compression, uint32_t(c.storedCompression));
+    const FormatCase& c = GetParam();
+    const BitmapHandle surface = MakeSurface(301, 7, [&c](int32_t x, int32_t y) {
+        if (c.colors == 0) return MakeRgb(uint8_t(x), uint8_t(y * 40), uint8_t(x * y));
+        return NthColor(x < 260 ? y % c.colors : (x * 31 + y * 17) % c.colors);
+    });
+    DibPtr dib = DibFromBitmap(*surface, c.bits, c.compression, nullptr);
+    ASSERT_EQ(dib != nullptr, c.storedBits != 0);
+    if (!dib) return;
+    const DibInfoHeader header = LoadDibInfoHeader(dib->bytes.data());
+    EXPECT_EQ(header.bitCount, c.storedBits);
+    EXPECT_EQ(header.compression, uint32_t(c.storedCompression));
+    EXPECT_EQ(header.sizeImage, DibBits(*dib).size());
+
+    const Bytes file = test::WriteBmpBytes(*dib);
+    ASSERT_GT(file.size(), kBmpFileHeaderSize);
+    EXPECT_EQ(LoadLe32(file.data() + 2), file.size());
+    EXPECT_EQ(LoadLe32(file.data() + 10), kBmpFileHeaderSize + kDibInfoHeaderSize + DibPaletteSize(*dib));
+    const DibPtr back = test::ReadBmpBytes(file);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->bytes, dib->bytes);
+    const BitmapHandle painted = test::PaintWhole(*back);
+    EXPECT_TRUE(std::equal(painted->Pixels().begin(), painted->Pixels().end(), surface->Pixels().begin()));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, DibFormatPair,
-    testing::Values(PairCase{0, 1, 8, DibCompression::Rle8}, PairCase{0, 2, 4, DibCompression::Rle4},
-                    PairCase{0, 0, 0, {}}, PairCase{0, 3, 0, {}}, PairCase{1, 0, 1, DibCompression::Rgb},
-                    PairCase{1, 1, 0, {}}, PairCase{4, 0, 4, DibCompression::Rgb},
-                    PairCase{4, 2, 4, DibCompression::Rle4}, PairCase{4, 1, 0, {}},
-                    PairCase{8, 0, 8, DibCompression::Rgb}, PairCase{8, 1, 8, DibCompression::Rle8},
-                    PairCase{8, 2, 0, {}}, PairCase{24, 0, 24, DibCompression::Rgb}, PairCase{24, 1, 0, {}},
-                    PairCase{-1, 0, 0, {}}, PairCase{-4, 0, 0, {}}, PairCase{-8, 0, 0, {}},
-                    PairCase{-24, 0, 0, {}}, PairCase{16, 0, 0, {}}, PairCase{32, 0, 0, {}},
-                    PairCase{2, 0, 0, {}}));
+    Table, DibFormat,
+    testing::Values(FormatCase{1, 0, 1, DibCompression::Rgb, 2}, FormatCase{4, 0, 4, DibCompression::Rgb, 16},
+                    FormatCase{4, 2, 4, DibCompression::Rle4, 16}, FormatCase{0, 2, 4, DibCompression::Rle4, 5},
+                    FormatCase{8, 0, 8, DibCompression::Rgb, 256}, FormatCase{8, 1, 8, DibCompression::Rle8, 200},
+                    FormatCase{0, 1, 8, DibCompression::Rle8, 3}, FormatCase{24, 0, 24, DibCompression::Rgb, 0},
+                    FormatCase{0, 0, 0, {}, 2}, FormatCase{0, 3, 0, {}, 2}, FormatCase{1, 1, 0, {}, 2},
+                    FormatCase{4, 1, 0, {}, 2}, FormatCase{8, 2, 0, {}, 2}, FormatCase{24, 1, 0, {}, 2},
+                    FormatCase{-1, 0, 0, {}, 2}, FormatCase{-4, 0, 0, {}, 2}, FormatCase{-8, 0, 0, {}, 2},
+                    FormatCase{-24, 0, 0, {}, 2}, FormatCase{16, 0, 0, {}, 2}, FormatCase{32, 0, 0, {}, 2},
+                    FormatCase{2, 0, 0, {}, 2}));
 
-std::set<ColorRef> ColorsOf(const Bitmap& bitmap)
+TEST(DibFormat, RunLengthCodingIsShorterForRuns)
 {
-    return {bitmap.Pixels().begin(), bitmap.Pixels().end()};
+    const BitmapHandle flat = MakeSurface(200, 50, [](int32_t x, int32_t) { return NthColor(x / 50); });
+    for (int16_t bits : {4, 8}) {
+        const DibPtr raw = DibFromBitmap(*flat, bits, 0, nullptr);
+        const DibPtr coded = DibFromBitmap(*flat, 0, bits == 4 ? 2 : 1, nullptr);
+        ASSERT_TRUE(raw && coded);
+        EXPECT_LT(DibBits(*coded).size() * 5, DibBits(*raw).size()) << bits;
+    }
 }
 
-struct ExactCase {
+struct ColorCase {
     int16_t bits;
-    int colors;
+    int colors;         // distinct colours drawn, far from any fixed table
+    ColorRef drawn = 0; // else one probe colour among more than fit...
+    ColorRef expected = 0; // ...and the colour it must come back as
 };
 
-class DibExactColors : public testing::TestWithParam<ExactCase> {};
+class DibColors : public testing::TestWithParam<ColorCase> {};
 
-TEST_P(DibExactColors, TableHoldsJustTheDrawnColours)
+TEST_P(DibColors, KeepTheDrawnOnesOrTheNearestStandardOne)
 {
-    const int16_t bits = GetParam().bits;
-    const int colors = GetParam().colors;
-    // Colours far from any fixed table, so that only an exact table paints them back.
-    const BitmapHandle surface = MakeSurface(37, 9, [colors](int32_t x, int32_t y) {
-        const int i = (x * 7 + y * 3) % colors;
+    const ColorCase& c = GetParam();
+    const BitmapHandle surface = MakeSurface(37, 9, [&c](int32_t x, int32_t y) {
+        if (c.colors == 0) return x + y == 0 ? c.drawn : MakeRgb(uint8_t(60 + x), uint8_t(60 + 2 * x + y), 90);
+        const int i = (x * 7 + y * 3) % c.colors;
         return MakeRgb(uint8_t(i), uint8_t(3 + i / 2), uint8_t(77));
-    });
-    const DibPtr dib = DibFromBitmap(*surface, bits, 0, nullptr);
-    ASSERT_TRUE(dib);
-    const Palette palette = DibToPalette(dib.get());
-    ASSERT_EQ(palette.entries.size(), size_t(1) << bits);
-    std::set<ColorRef> table;
-    for (size_t i = 0; i < size_t(colors); ++i) table.insert(palette.entries[i].Color());
-    EXPECT_EQ(table, ColorsOf(*surface));
-    EXPECT_EQ(ColorsOf(*test::PaintWhole(*dib, 37, 9)), ColorsOf(*surface));
-}
-
-INSTANTIATE_TEST_SUITE_P(EachDepth, DibExactColors,
-                         testing::Values(ExactCase{1, 2}, ExactCase{4, 11}, ExactCase{4, 16}, ExactCase{8, 256}));
-
-struct ReductionCase {
-    int16_t bits;
-    ColorRef drawn;
-    ColorRef expected;
-};
-
-class DibFixedReduction : public testing::TestWithParam<ReductionCase> {};
-
-// One probe colour among enough others to overflow the depth's table.
-TEST_P(DibFixedReduction, MapsToTheNearestStandardColour)
-{
-    const ReductionCase& c = GetParam();
-    const BitmapHandle surface = MakeSurface(40, 1, [&](int32_t x, int32_t) {
-        return x == 0 ? c.drawn : MakeRgb(uint8_t(60 + x), uint8_t(60 + 2 * x), 90);
     });
     const DibPtr dib = DibFromBitmap(*surface, c.bits, 0, nullptr);
     ASSERT_TRUE(dib);
-    EXPECT_EQ(test::PaintWhole(*dib, 40, 1)->Pixel(0, 0), c.expected);
+    const BitmapHandle painted = test::PaintWhole(*dib);
+    if (c.colors == 0) {
+        EXPECT_EQ(painted->Pixel(0, 0), c.expected);
+        return;
+    }
+    const Palette palette = DibToPalette(dib.get());
+    ASSERT_EQ(palette.entries.size(), size_t(1) << c.bits);
+    std::set<ColorRef> table;
+    for (size_t i = 0; i < size_t(c.colors); ++i) table.insert(palette.entries[i].Color());
+    EXPECT_EQ(table, ColorsOf(*surface));
+    EXPECT_EQ(ColorsOf(*painted), ColorsOf(*surface));
 }
 
-INSTANTIATE_TEST_SUITE_P(BlackWhiteAndVga, DibFixedReduction,
-                         testing::Values(ReductionCase{1, MakeRgb(40, 40, 40), kBlack},
-                                         ReductionCase{1, MakeRgb(250, 0, 0), kBlack},
-                                         ReductionCase{1, MakeRgb(200, 190, 210), kWhite},
-                                         ReductionCase{4, MakeRgb(250, 10, 10), MakeRgb(255, 0, 0)},
-                                         ReductionCase{4, MakeRgb(130, 125, 0), MakeRgb(128, 128, 0)},
-                                         ReductionCase{4, MakeRgb(190, 190, 200), MakeRgb(192, 192, 192)},
-                                         ReductionCase{4, MakeRgb(0, 20, 140), MakeRgb(0, 0, 128)}));
+INSTANTIATE_TEST_SUITE_P(
+    Table, DibColors,
+    testing::Values(ColorCase{1, 2}, ColorCase{4, 11}, ColorCase{4, 16}, ColorCase{8, 256},
+                    ColorCase{1, 0, MakeRgb(40, 40, 40), kBlack}, ColorCase{1, 0, MakeRgb(250, 0, 0), kBlack},
+                    ColorCase{1, 0, MakeRgb(200, 190, 210), kWhite},
+                    ColorCase{4, 0, MakeRgb(250, 10, 10), MakeRgb(255, 0, 0)},
+                    ColorCase{4, 0, MakeRgb(130, 125, 0), MakeRgb(128, 128, 0)},
+                    ColorCase{4, 0, MakeRgb(190, 190, 200), MakeRgb(192, 192, 192)},
+                    ColorCase{4, 0, MakeRgb(0, 20, 140), MakeRgb(0, 0, 128)}));
 
-TEST(DibMedianCut, ReducesManyColoursCloselyAndRepeatably)
+TEST(DibColors, MedianCutReducesManyColoursCloselyAndRepeatably)
 {
     const BitmapHandle surface = MakeSurface(64, 64, [](int32_t x, int32_t y) {
         return MakeRgb(uint8_t(x * 4), uint8_t(y * 4), uint8_t((x + y) * 2));
@@ -122,15 +132,14 @@ TEST(DibMedianCut, ReducesManyColoursCloselyAndRepeatably)
     const DibPtr again = DibFromBitmap(*surface, 8, 0, nullptr);
     ASSERT_TRUE(dib && again);
     EXPECT_EQ(dib->bytes, again->bytes);
-
-    const BitmapHandle painted = test::PaintWhole(*dib, 64, 64);
+    const BitmapHandle painted = test::PaintWhole(*dib);
     EXPECT_GT(ColorsOf(*painted).size(), 200u);
     int64_t totalError = 0;
     int worst = 0;
     for (size_t i = 0; i < painted->Pixels().size(); ++i) {
         const ColorRef a = surface->Pixels()[i], b = painted->Pixels()[i];
-        const int error = std::abs(RedOf(a) - RedOf(b)) + std::abs(GreenOf(a) - GreenOf(b)) +
-                          std::abs(BlueOf(a) - BlueOf(b));
+        const int error =
+            std::abs(RedOf(a) - RedOf(b)) + std::abs(GreenOf(a) - GreenOf(b)) + std::abs(BlueOf(a) - BlueOf(b));
         totalError += error;
         worst = std::max(worst, error);
     }
@@ -138,24 +147,53 @@ TEST(DibMedianCut, ReducesManyColoursCloselyAndRepeatably)
     EXPECT_LT(worst, 48);
 }
 
-TEST(DibGivenPalette, MapsEveryPixelToItsEntries)
+TEST(DibColors, AGivenPaletteTakesEveryPixel)
 {
     Palette palette;
     palette.entries = {{255, 0, 0, 0}, {0, 255, 0, 0}, {0, 0, 255, 0}, {255, 255, 255, 0}};
-    const BitmapHandle surface = MakeSurface(8, 2, [](int32_t x, int32_t y) {
-        const ColorRef near[] = {MakeRgb(200, 30, 30), MakeRgb(20, 220, 10), MakeRgb(0, 10, 180),
-                                 MakeRgb(240, 240, 230)};
-        return near[(x + y) % 4];
-    });
+    const ColorRef near[] = {MakeRgb(200, 30, 30), MakeRgb(20, 220, 10), MakeRgb(0, 10, 180), MakeRgb(240, 240, 230)};
+    const BitmapHandle surface = MakeSurface(8, 2, [&near](int32_t x, int32_t y) { return near[(x + y) % 4]; });
     for (int16_t bits : {4, 8}) {
         const DibPtr dib = DibFromBitmap(*surface, bits, 0, &palette);
         ASSERT_TRUE(dib);
         const Palette table = DibToPalette(dib.get());
         ASSERT_GE(table.entries.size(), 4u);
         EXPECT_TRUE(std::equal(palette.entries.begin(), palette.entries.end(), table.entries.begin()));
-        const BitmapHandle painted = test::PaintWhole(*dib, 8, 2);
+        const BitmapHandle painted = test::PaintWhole(*dib);
         for (int32_t x = 0; x < 8; ++x) EXPECT_EQ(painted->Pixel(x, 1), palette.entries[size_t(x + 1) % 4].Color());
     }
+}
+
+TEST(DibBlockFile, SizedBlocksFollowOneAnother)
+{
+    const BitmapHandle a = MakeSurface(3, 2, [](int32_t x, int32_t) { return NthColor(x); });
+    const BitmapHandle b = MakeSurface(5, 4, [](int32_t x, int32_t y) { return NthColor(x + y); });
+    DibPtr first = DibFromBitmap(*a, 8, 1, nullptr);
+    DibPtr second = DibFromBitmap(*b, 24, 0, nullptr);
+    MemorySink sink;
+    ASSERT_TRUE(DibWriteBlock(*first, sink));
+    const size_t firstLength = sink.Bytes().size();
+    ASSERT_TRUE(DibWriteBlock(*second, sink));
+    EXPECT_EQ(LoadLe32(sink.Bytes().data()) + 4, firstLength);
+    MemorySource source(sink.Bytes());
+    const DibPtr readFirst = DibReadBlock(source, true);
+    ASSERT_TRUE(readFirst);
+    EXPECT_EQ(source.Position(), firstLength);
+    const DibPtr readSecond = DibReadBlock(source, true);
+    ASSERT_TRUE(readSecond);
+    EXPECT_EQ(readFirst->bytes, first->bytes);
+    EXPECT_EQ(readSecond->bytes, second->bytes);
+}
+
+TEST(DibBlockFile, WritesOnlyBlocksItCanExplain)
+{
+    MemorySink sink;
+    DibBlock tooShort{test::PackedDib(4, 4, 24, DibCompression::Rgb, {}, Bytes(10))};
+    EXPECT_FALSE(DibWriteBmp(tooShort, sink));
+    DibBlock lyingRunLength{test::PackedDib(4, 1, 8, DibCompression::Rle8, std::vector<ColorRef>(256), {4, 1, 0, 1})};
+    StoreLe32(lyingRunLength.bytes.data() + 20, 5000);
+    EXPECT_FALSE(DibWriteBmp(lyingRunLength, sink));
+    EXPECT_TRUE(sink.Bytes().empty());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Every seed of the .bmp fuzz corpus goes through the fuzz target; seeds
-// named "bad_" must be refused and the others accepted, in the form their
-// name gives.
+// named "bad_" must be refused and the others accepted, read with a leading
+// length when their name holds "sized". The seeds are the reader's table of
+// accepted and malformed files.
 #include "fuzz/DibReadFuzz.h"
 
 #include "platform/ByteStream.h"
@@ -32,7 +33,7 @@ TEST(FuzzCorpusReplay, DibRead)
         SCOPED_TRACE(name);
         EXPECT_EQ(fuzz::DibReadOne(bytes.data(), bytes.size()), 0);
         MemorySource source(bytes);
-        const bool accepted = DibReadBlock(source, name.rfind("sized_", 0) == 0) != nullptr;
+        const bool accepted = DibReadBlock(source, name.find("sized") != std::string::npos) != nullptr;
         EXPECT_EQ(accepted, name.rfind("bad_", 0) != 0);
         ++seeds;
     }

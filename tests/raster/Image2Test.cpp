@@ -6,52 +6,32 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <numeric>
 
 namespace bvx {
 namespace {
 
-// Records each write as it arrives; fails from a chosen write on.
+// Logs the size of each write; fails writes from the `failFrom`-th on, and
+// flushes when asked to.
 class RecordingSink final : public ByteSink {
 public:
-    struct Log {
-        std::vector<size_t> writeSizes;
-        std::vector<uint8_t> bytes;
-        int flushes = 0;
-    };
-    RecordingSink(Log& log, int failFromWrite = -1, bool failFlush = false)
-        : log_(log), failFromWrite_(failFromWrite), failFlush_(failFlush) {}
+    RecordingSink(std::vector<size_t>& writes, std::vector<uint8_t>& bytes, int failFrom = -1, bool failFlush = false)
+        : writes_(writes), bytes_(bytes), failFrom_(failFrom), failFlush_(failFlush) {}
     bool Write(const void* data, size_t count) override
     {
-        if (failFromWrite_ >= 0 && int(log_.writeSizes.size()) >= failFromWrite_) return false;
-        log_.writeSizes.push_back(count);
-        const auto* p = static_cast<const uint8_t*>(data);
-        log_.bytes.insert(log_.bytes.end(), p, p + count);
+        if (failFrom_ >= 0 && int(writes_.size()) >= failFrom_) return false;
+        writes_.push_back(count);
+        bytes_.insert(bytes_.end(), static_cast<const uint8_t*>(data), static_cast<const uint8_t*>(data) + count);
         return true;
     }
-    bool Flush() override
-    {
-        ++log_.flushes;
-        return !failFlush_;
-    }
+    bool Flush() override { return !failFlush_; }
 
 private:
-    Log& log_;
-    int failFromWrite_;
+    std::vector<size_t>& writes_;
+    std::vector<uint8_t>& bytes_;
+    int failFrom_;
     bool failFlush_;
-};
-
-// Installs a reporter for the test's lifetime and keeps what it was told.
-class ReporterScope {
-public:
-    ReporterScope() { previous_ = SetErrorReporter([this](const std::string& m) { messages.push_back(m); }); }
-    ~ReporterScope() { SetErrorReporter(previous_); }
-    std::vector<std::string> messages;
-
-private:
-    ErrorReporter previous_;
 };
 
 std::vector<uint8_t> Sequence(size_t n)
@@ -61,133 +41,95 @@ std::vector<uint8_t> Sequence(size_t n)
     return bytes;
 }
 
-TEST(Image2Output, HoldsBytesUntilTheBufferMustMakeRoom)
+TEST(Image2Output, WritesWholeBuffersOnlyWhenMoreMustBeHeld)
 {
-    RecordingSink::Log log;
+    std::vector<size_t> writes;
+    std::vector<uint8_t> bytes;
     Image2 image;
-    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(log)));
-    const std::vector<uint8_t> data = Sequence(Image2::kOutBufferSize + 1);
+    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(writes, bytes)));
+    const std::vector<uint8_t> data = Sequence(12000);
     for (size_t i = 0; i < Image2::kOutBufferSize; ++i) ASSERT_TRUE(image.WriteByte(data[i]));
-    EXPECT_TRUE(log.writeSizes.empty());
-    ASSERT_TRUE(image.WriteByte(data.back()));
-    EXPECT_EQ(log.writeSizes, std::vector<size_t>{Image2::kOutBufferSize});
+    EXPECT_TRUE(writes.empty());
+    ASSERT_TRUE(image.WriteBytes(std::span(data).subspan(Image2::kOutBufferSize)));
     ASSERT_TRUE(image.FlushOutput());
-    EXPECT_EQ(log.writeSizes, (std::vector<size_t>{Image2::kOutBufferSize, 1}));
-    EXPECT_EQ(log.bytes, data);
+    EXPECT_EQ(writes, (std::vector<size_t>{5120, 5120, 1760}));
+    EXPECT_EQ(bytes, data);
     EXPECT_TRUE(image.CloseOutput());
     EXPECT_EQ(image.Error(), 0);
 }
 
-TEST(Image2Output, WritesLongRunsInWholeBuffers)
+TEST(Image2Output, CountsWithoutAFileForTheNullNameAndWritesRealFiles)
 {
-    RecordingSink::Log log;
-    Image2 image;
-    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(log)));
-    const std::vector<uint8_t> data = Sequence(12000);
-    ASSERT_TRUE(image.WriteBytes(std::span(data).first(3)));
-    ASSERT_TRUE(image.WriteBytes(std::span(data).subspan(3)));
-    ASSERT_TRUE(image.FlushOutput());
-    EXPECT_EQ(log.writeSizes, (std::vector<size_t>{5120, 5120, 1760}));
-    EXPECT_EQ(log.bytes, data);
-}
-
-TEST(Image2Output, CountsWithoutAFileForTheNullName)
-{
-    Image2 image;
-    ASSERT_TRUE(image.OpenOutput(Image2::kCountOnlyName));
-    EXPECT_TRUE(image.CountOnly());
-    EXPECT_TRUE(image.WriteByte(1));
-    EXPECT_TRUE(image.WriteBytes(Sequence(6000)));
-    EXPECT_TRUE(image.FlushOutput());
-    EXPECT_TRUE(image.CloseOutput());
-    EXPECT_EQ(image.ByteCount(), 6001u);
+    Image2 counter;
+    ASSERT_TRUE(counter.OpenOutput(Image2::kCountOnlyName));
+    EXPECT_TRUE(counter.WriteByte(1) && counter.WriteBytes(Sequence(6000)) && counter.FlushOutput());
+    EXPECT_TRUE(counter.CloseOutput());
+    EXPECT_EQ(counter.ByteCount(), 6001u);
     EXPECT_FALSE(std::filesystem::exists(Image2::kCountOnlyName));
-}
 
-TEST(Image2Output, WritesARealFile)
-{
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "bvx_image2_output.bin";
-    const std::vector<uint8_t> data = Sequence(7000);
-    {
-        Image2 image;
-        ASSERT_TRUE(image.OpenOutput(path.string()));
-        ASSERT_TRUE(image.WriteBytes(data));
-        ASSERT_TRUE(image.FlushOutput());
-        ASSERT_TRUE(image.CloseOutput());
-    }
+    Image2 image;
+    ASSERT_TRUE(image.OpenOutput(path.string()));
+    ASSERT_TRUE(image.WriteBytes(Sequence(7000)) && image.FlushOutput() && image.CloseOutput());
     {
         // Closed before the removal: Windows will not remove an open file.
         const std::unique_ptr<FileSource> source = FileSource::Open(path.string());
         ASSERT_TRUE(source);
         std::vector<uint8_t> back(size_t(source->Size()));
         EXPECT_TRUE(source->ReadExact(back.data(), back.size()));
-        EXPECT_EQ(back, data);
+        EXPECT_EQ(back, Sequence(7000));
     }
     std::filesystem::remove(path);
 }
 
 struct FailureCase {
     const char* name;
-    int failFromWrite;
+    int failFrom;
     bool failFlush;
-    size_t bytes;       // written before flushing and closing
-    int32_t expected;   // the first code reported
+    size_t bytes;                   // written before flushing and closing; SIZE_MAX: none, no flush
+    std::vector<std::string> shown; // every message the reporter gets
 };
 
 void PrintTo(const FailureCase& c, std::ostream* os) { *os << c.name; }
 
 class Image2Failure : public testing::TestWithParam<FailureCase> {};
 
-TEST_P(Image2Failure, ReportsItsCode)
+TEST_P(Image2Failure, ReportsItsCodes)
 {
     const FailureCase& c = GetParam();
-    ReporterScope reporter;
-    RecordingSink::Log log;
+    std::vector<std::string> shown;
+    const ErrorReporter previous = SetErrorReporter([&shown](const std::string& m) { shown.push_back(m); });
+    std::vector<size_t> writes;
+    std::vector<uint8_t> bytes;
     Image2 image;
-    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(log, c.failFromWrite, c.failFlush)));
-    const bool wrote = image.WriteBytes(Sequence(c.bytes));
-    const bool flushed = wrote && image.FlushOutput();
-    const bool closed = image.CloseOutput();
-    EXPECT_FALSE(wrote && flushed && closed);
-    ASSERT_FALSE(reporter.messages.empty());
-    EXPECT_EQ(reporter.messages.front(), "Error " + std::to_string(c.expected));
+    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(writes, bytes, c.failFrom, c.failFlush)));
+    if (c.bytes != SIZE_MAX && image.WriteBytes(Sequence(c.bytes))) image.FlushOutput();
+    image.CloseOutput();
+    SetErrorReporter(previous);
+    EXPECT_EQ(shown, c.shown);
     EXPECT_NE(image.Error(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, Image2Failure,
-                         testing::Values(FailureCase{"buffer write", 0, false, 6000, ImageError::CannotWrite},
-                                         FailureCase{"final flush", 0, false, 100, ImageError::CannotFlush},
-                                         FailureCase{"flush to disk", -1, true, 100, ImageError::CannotFlush}));
-
-TEST(Image2Errors, CloseFailureReportsTwo)
-{
-    ReporterScope reporter;
-    RecordingSink::Log log;
-    Image2 image;
-    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(log, -1, true)));
-    EXPECT_FALSE(image.CloseOutput());
-    EXPECT_EQ(reporter.messages, std::vector<std::string>{"Error 2"});
-    EXPECT_EQ(image.Error(), ImageError::CannotClose);
-}
+                         testing::Values(FailureCase{"buffer write", 0, false, 6000, {"Error 4"}},
+                                         FailureCase{"final flush", 0, false, 100, {"Error 5"}},
+                                         FailureCase{"flush to disk", -1, true, 100, {"Error 5", "Error 2"}},
+                                         FailureCase{"close", -1, true, SIZE_MAX, {"Error 2"}}));
 
 TEST(Image2Errors, UncreatableFileAndBaseClassOperations)
 {
-    ReporterScope reporter;
+    std::vector<std::string> shown;
+    const ErrorReporter previous = SetErrorReporter([&shown](const std::string& m) { shown.push_back(m); });
     Image2 image;
     EXPECT_FALSE(image.OpenOutput((std::filesystem::temp_directory_path() / "no_such_dir" / "x.gif").string()));
     EXPECT_EQ(image.Error(), ImageError::CannotCreate);
     EXPECT_FALSE(image.Compress());
     EXPECT_FALSE(image.Expand());
-    EXPECT_EQ(reporter.messages, (std::vector<std::string>{"Error 1", "Error 7", "Error 7"}));
-}
-
-TEST(Image2Errors, WithoutAReporterOnlyTheCodeIsKept)
-{
-    const ErrorReporter previous = SetErrorReporter(nullptr);
-    Image2 image;
-    image.ReportError(18);
-    EXPECT_EQ(image.Error(), 18);
+    SetErrorReporter(nullptr);
+    image.ReportError(18); // no reporter: only the code is kept
     SetErrorReporter(previous);
+    EXPECT_EQ(shown, (std::vector<std::string>{"Error 1", "Error 7", "Error 7"}));
+    EXPECT_EQ(image.Error(), 18);
 }
 
 } // namespace
