@@ -1,6 +1,6 @@
 #include "CadBuf.h"
 
-#include "control/CadView.h"
+#include "shapes/ShapeContext.h"
 #include "platform/DeviceContext.h"
 
 #include <algorithm>
@@ -78,7 +78,7 @@ void CadBuf::EmptyLayer(CadLayer& layer)
     while (!layer.Shapes.empty()) layer.Shapes.pop_back();
 }
 
-bool CadBuf::RemoveLayer(int32_t n, CadView& view)
+bool CadBuf::RemoveLayer(int32_t n, ShapeContext& view)
 {
     if (n == 0 || !IsLayer(n)) return false;
     if (n == CurrentLayerNumber) view.CancelMouse();
@@ -107,7 +107,7 @@ int16_t CadBuf::FindLayerByName(const std::u16string& name)
     return -1;
 }
 
-bool CadBuf::CopyLayer(int32_t source, int32_t dest, bool createIfMissing, CadView& view)
+bool CadBuf::CopyLayer(int32_t source, int32_t dest, bool createIfMissing, ShapeContext& view)
 {
     if (source == dest || !IsLayer(source)) return false;
     if (!IsLayer(dest)) {
@@ -148,7 +148,7 @@ void CadBuf::ClearLayer(int32_t n)
     NextShapeNumber = 0;
 }
 
-CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, CadView& view, int32_t layer, int32_t number,
+CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, ShapeContext& view, int32_t layer, int32_t number,
                             bool fireEvent)
 {
     if (!shape) return nullptr;
@@ -164,11 +164,11 @@ CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, CadView& view, int
     if (!target) return nullptr;
     if (number == -1) number = ++NextShapeNumber;
     CObjShape* added = shape.get();
-    added->number = number;
-    added->layer = int16_t(index);
+    added->Number = number;
+    added->Layer = int16_t(index);
     target->Shapes.push_back(std::move(shape));
     ShapeMap.Insert(number, added);
-    if (fireEvent) view.Fire<&EventSink::ShapeNumberAdded>(added->GetShapeType(), number);
+    if (fireEvent) view.ShapeAdded(added->GetShapeType(), number);
     return added;
 }
 
@@ -180,7 +180,7 @@ CObjShape* CadBuf::FindShapeDeep(int32_t number, int32_t& index) const
         for (size_t i = 0; i < layer->Shapes.size(); ++i) {
             CObjShape* found = nullptr;
             ForEachDeep(layer->Shapes[i].get(), [&](CObjShape* s) {
-                if (!found && s->number == number) found = s;
+                if (!found && s->Number == number) found = s;
             });
             if (found) {
                 index = int32_t(i);
@@ -197,7 +197,7 @@ CObjShape* CadBuf::FindShapeByName(const std::u16string& text) const
         for (const auto& top : layer->Shapes) {
             CObjShape* found = nullptr;
             ForEachDeep(top.get(), [&](CObjShape* s) {
-                if (!found && s->notes == text) found = s;
+                if (!found && s->Notes == text) found = s;
             });
             if (found) return found;
         }
@@ -207,13 +207,13 @@ CObjShape* CadBuf::FindShapeByName(const std::u16string& text) const
 CadLayer* CadBuf::OwnerList(const CObjShape* shape) const
 {
     if (!shape) return nullptr;
-    if (shape->group != -1) {
-        CObjShape* group = FindShape(shape->group);
+    if (shape->Group != -1) {
+        CObjShape* group = FindShape(shape->Group);
         return group ? group->GroupList() : nullptr;
     }
     // A layer number may be stale after an earlier layer was removed: the
     // list that truly holds the shape is the one that counts.
-    CadLayer* named = Layer(shape->layer);
+    CadLayer* named = Layer(shape->Layer);
     if (named && named->IndexOf(shape) < named->Shapes.size()) return named;
     for (const auto& layer : Layers)
         if (layer->IndexOf(shape) < layer->Shapes.size()) return layer.get();
@@ -222,7 +222,7 @@ CadLayer* CadBuf::OwnerList(const CObjShape* shape) const
 
 std::unique_ptr<CObjShape> CadBuf::DetachShape(CObjShape* shape)
 {
-    if (!shape || shape->group != -1) return nullptr;
+    if (!shape || shape->Group != -1) return nullptr;
     CadLayer* list = OwnerList(shape);
     return list ? list->Take(shape) : nullptr;
 }
@@ -232,8 +232,8 @@ void CadBuf::ForgetShape(CObjShape* shape)
     if (!shape) return;
     // Members go too, so that no number is left pointing at a destroyed shape.
     ForEachDeep(shape, [&](CObjShape* s) {
-        ShapeMap.Erase(s->number, s);
-        if (s->selected) Deselect(s);
+        ShapeMap.Erase(s->Number, s);
+        if (s->Selected) Deselect(s);
         if (FocusShape == s) FocusShape = nullptr;
     });
 }
@@ -287,10 +287,10 @@ void CadBuf::Select(CObjShape* shape)
     if (CadLayer* members = shape->GroupList())
         for (size_t i = 0; i < members->Shapes.size(); ++i)
             ForEachDeep(members->Shapes[i].get(), [&](CObjShape* s) {
-                if (s->selected) Deselect(s);
+                if (s->Selected) Deselect(s);
             });
-    if (!shape->selected) {
-        shape->selected = 1;
+    if (!shape->Selected) {
+        shape->Selected = 1;
         Selection.push_back(shape);
     }
     FocusShape = shape;
@@ -302,7 +302,7 @@ bool CadBuf::Deselect(CObjShape* shape)
         bool had = !Selection.empty();
         FocusShape = nullptr;
         FocusPoint = -1;
-        for (CObjShape* s : Selection) s->selected = 0;
+        for (CObjShape* s : Selection) s->Selected = 0;
         Selection.clear();
         return had;
     }
@@ -312,12 +312,12 @@ bool CadBuf::Deselect(CObjShape* shape)
     }
     auto it = std::find(Selection.begin(), Selection.end(), shape);
     if (it == Selection.end()) return false;
-    shape->selected = 0;
+    shape->Selected = 0;
     Selection.erase(it);
     return true;
 }
 
-void CadBuf::SelectInRect(const DeviceRect& rect, bool additive, CadView& view)
+void CadBuf::SelectInRect(const DeviceRect& rect, bool additive, ShapeContext& view)
 {
     if (!additive) Deselect(nullptr);
     for (size_t l = 1; l < Layers.size(); ++l) {
@@ -327,12 +327,12 @@ void CadBuf::SelectInRect(const DeviceRect& rect, bool additive, CadView& view)
             CObjShape* shape = Layers[l]->Shapes[i].get();
             if (!shape->IntersectsRect(rect, view)) continue;
             Select(shape);
-            view.Fire<&EventSink::ShapeNumberSelected>(shape->GetShapeType(), shape->number);
+            view.ShapeSelected(shape->GetShapeType(), shape->Number);
         }
     }
 }
 
-CObjShape* CadBuf::HitTest(DevicePoint point, bool snap, bool wantShape, int16_t& action, CadView& view)
+CObjShape* CadBuf::HitTest(DevicePoint point, bool snap, bool wantShape, int16_t& action, ShapeContext& view)
 {
     for (size_t l = Layers.size(); l-- > 1;) {
         CadLayer& layer = *Layers[l];
@@ -344,7 +344,7 @@ CObjShape* CadBuf::HitTest(DevicePoint point, bool snap, bool wantShape, int16_t
     return nullptr;
 }
 
-void CadBuf::DuplicateSelection(CadView& view)
+void CadBuf::DuplicateSelection(ShapeContext& view)
 {
     std::vector<int32_t> clones;
     while (!Selection.empty()) {
@@ -353,7 +353,7 @@ void CadBuf::DuplicateSelection(CadView& view)
         CObjShape* clone = AddShape(source->Clone(CopyMode), view);
         if (!clone) continue;
         if (clone->GroupList()) NumberGroupMembers(clone);
-        clones.push_back(clone->number);
+        clones.push_back(clone->Number);
     }
     // By number: a host may have deleted a clone from an event.
     for (int32_t number : clones) {
@@ -361,18 +361,18 @@ void CadBuf::DuplicateSelection(CadView& view)
         if (!clone) continue;
         Select(clone);
         view.InvalidateShape(clone, true);
-        view.Fire<&EventSink::ShapeNumberSelected>(clone->GetShapeType(), clone->number);
+        view.ShapeSelected(clone->GetShapeType(), clone->Number);
     }
 }
 
 bool CadBuf::GroupAddShape(CObjShape* group, CObjShape* shape)
 {
-    if (!group || !shape || shape == group || shape->group != -1 || !group->GroupList()) return false;
+    if (!group || !shape || shape == group || shape->Group != -1 || !group->GroupList()) return false;
     std::unique_ptr<CObjShape> taken = DetachShape(shape);
     if (!taken) return false;
     Deselect(shape);
-    shape->group = group->number;
-    shape->layer = group->layer;
+    shape->Group = group->Number;
+    shape->Layer = group->Layer;
     group->GroupList()->Shapes.push_back(std::move(taken));
     return true;
 }
@@ -382,7 +382,7 @@ bool CadBuf::GroupAddSelection(CObjShape* group)
     if (!group) return false;
     struct Keyed {
         int64_t key;
-        int32_t number;
+        int32_t Number;
     };
     std::vector<Keyed> order;
     while (!Selection.empty()) {
@@ -392,12 +392,12 @@ bool CadBuf::GroupAddSelection(CObjShape* group)
         if (CadLayer* list = OwnerList(s)) key = int64_t(list->IndexOf(s));
         // Layer 1's size is left out and the shape's own layer counted in;
         // the key orders shapes as they paint in every case that matters.
-        for (int32_t l = 2; l <= s->layer && IsLayer(l); ++l) key += int64_t(Layers[size_t(l)]->Shapes.size());
-        order.push_back({key, s->number});
+        for (int32_t l = 2; l <= s->Layer && IsLayer(l); ++l) key += int64_t(Layers[size_t(l)]->Shapes.size());
+        order.push_back({key, s->Number});
     }
     // A stable sort keeps ties in the order they were taken.
     std::stable_sort(order.begin(), order.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
-    for (const Keyed& k : order) GroupAddShape(group, FindShape(k.number));
+    for (const Keyed& k : order) GroupAddShape(group, FindShape(k.Number));
     return true;
 }
 
@@ -406,8 +406,8 @@ bool CadBuf::GroupRemoveShape(CObjShape* group, CObjShape* shape)
     if (!group || !shape || !group->GroupList() || !CurrentLayer) return false;
     std::unique_ptr<CObjShape> taken = group->GroupList()->Take(shape);
     if (!taken) return false;
-    taken->group = -1;
-    taken->layer = CurrentLayerNumber;
+    taken->Group = -1;
+    taken->Layer = CurrentLayerNumber;
     CurrentLayer->Shapes.push_back(std::move(taken));
     return true;
 }
@@ -417,8 +417,8 @@ bool CadBuf::GroupRemoveAll(CObjShape* group)
     if (!group || !group->GroupList() || !CurrentLayer) return false;
     CadLayer& members = *group->GroupList();
     for (auto& member : members.Shapes) {
-        member->group = -1;
-        member->layer = CurrentLayerNumber;
+        member->Group = -1;
+        member->Layer = CurrentLayerNumber;
         CurrentLayer->Shapes.push_back(std::move(member));
     }
     members.Shapes.clear();
@@ -430,10 +430,10 @@ void CadBuf::NumberGroupMembers(CObjShape* group)
     CadLayer* members = group ? group->GroupList() : nullptr;
     if (!members) return;
     for (auto& member : members->Shapes) {
-        member->number = ++NextShapeNumber;
-        member->layer = group->layer;
-        member->group = group->number;
-        ShapeMap.Insert(member->number, member.get());
+        member->Number = ++NextShapeNumber;
+        member->Layer = group->Layer;
+        member->Group = group->Number;
+        ShapeMap.Insert(member->Number, member.get());
         NumberGroupMembers(member.get());
     }
 }
@@ -457,7 +457,7 @@ void CadBuf::ClearAll()
     NextShapeNumber = 0;
 }
 
-void CadBuf::Draw(DeviceContext& dc, DeviceRect& clip, CadView& view)
+void CadBuf::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view)
 {
     view.ShowTextCaret(false);
     for (size_t l = 1; l < Layers.size(); ++l)
@@ -466,7 +466,7 @@ void CadBuf::Draw(DeviceContext& dc, DeviceRect& clip, CadView& view)
     view.World.Changed = 0;
 }
 
-void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, CadView& view)
+void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view)
 {
     const ShapeAttr bufferLook = Layers.empty() || !Layers[0]->Attr ? ShapeAttr::Default() : *Layers[0]->Attr;
     for (size_t i = 0; i < Selection.size(); ++i) {
@@ -477,7 +477,7 @@ void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, CadView& v
         } else {
             // Selected shapes wear the Buffer Layer's colours unless told otherwise.
             const ShapeAttr& attr = SelectMode == 1 ? view.EffectiveAttr(shape) : bufferLook;
-            DrawWithAttr(dc, shape, attr, clip, view, 1);
+            view.DrawWithAttr(dc, shape, attr, clip, 1);
         }
         bool lonelyText = Selection.size() == 1 && shape.GetShapeType() == kTextType;
         if (view.MouseActive) {
@@ -487,20 +487,6 @@ void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, CadView& v
         shape.DrawHandles(dc, rop, view);
         if (lonelyText && !shape.GroupList()) view.ShowTextCaret(true);
     }
-}
-
-void CadBuf::DrawSnapMarker(DeviceContext& dc, const DeviceRect&, CadView& view)
-{
-    if (!SnapMarkerOn || !SnapMarkerUp) return;
-    DevicePoint p = view.World.WorldToDevice(SnapPoint);
-    PenHandle old = dc.SelectPen(view.SelectPen(SnapMarkerAttr, view.World));
-    int64_t x = p.x, y = p.y;
-    auto clamp32 = [](int64_t v) { return int32_t(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
-    dc.MoveToEx(clamp32(x - 8), clamp32(y - 8));
-    dc.LineTo(clamp32(x + 8), clamp32(y + 8));
-    dc.MoveToEx(clamp32(x + 8), clamp32(y - 8));
-    dc.LineTo(clamp32(x - 8), clamp32(y + 8));
-    dc.SelectPen(old);
 }
 
 } // namespace bvx

@@ -14,7 +14,7 @@
 
 namespace bvx {
 
-class CadView;
+class ShapeContext;
 
 class CadBuf {
 public:
@@ -57,14 +57,14 @@ public:
     bool OpenLayer(int32_t n);
     bool IsLayer(int32_t n) const { return n >= 0 && n < int32_t(Layers.size()); }
     CadLayer* Layer(int32_t n) const { return IsLayer(n) ? Layers[size_t(n)].get() : nullptr; }
-    bool RemoveLayer(int32_t n, CadView& view);
+    bool RemoveLayer(int32_t n, ShapeContext& view);
     int16_t FindLayerByName(const std::u16string& name);
-    bool CopyLayer(int32_t source, int32_t dest, bool createIfMissing, CadView& view);
+    bool CopyLayer(int32_t source, int32_t dest, bool createIfMissing, ShapeContext& view);
     void ClearLayer(int32_t n);
 
     // Shapes. AddShape takes ownership; layer -1 is the current layer and
     // number -1 hands out the next number.
-    CObjShape* AddShape(std::unique_ptr<CObjShape> shape, CadView& view, int32_t layer = -1, int32_t number = -1,
+    CObjShape* AddShape(std::unique_ptr<CObjShape> shape, ShapeContext& view, int32_t layer = -1, int32_t number = -1,
                         bool fireEvent = true);
     CObjShape* FindShape(int32_t number) const;
     CObjShape* FindShapeDeep(int32_t number, int32_t& index) const;
@@ -86,9 +86,9 @@ public:
     // Selection.
     void Select(CObjShape* shape);
     bool Deselect(CObjShape* shape); // null: all
-    void SelectInRect(const DeviceRect& rect, bool additive, CadView& view);
-    CObjShape* HitTest(DevicePoint point, bool snap, bool wantShape, int16_t& action, CadView& view);
-    void DuplicateSelection(CadView& view);
+    void SelectInRect(const DeviceRect& rect, bool additive, ShapeContext& view);
+    CObjShape* HitTest(DevicePoint point, bool snap, bool wantShape, int16_t& action, ShapeContext& view);
+    void DuplicateSelection(ShapeContext& view);
 
     // Groups: the member list is the group's own CadLayer.
     bool GroupAddShape(CObjShape* group, CObjShape* shape);
@@ -102,9 +102,8 @@ public:
     void ClearAll();
 
     // Painting.
-    void Draw(DeviceContext& dc, DeviceRect& clip, CadView& view);
-    void DrawSelection(DeviceContext& dc, const DeviceRect& clip, CadView& view);
-    void DrawSnapMarker(DeviceContext& dc, const DeviceRect& clip, CadView& view);
+    void Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view);
+    void DrawSelection(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view);
 
 private:
     void EmptyLayer(CadLayer& layer);

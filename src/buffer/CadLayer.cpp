@@ -1,6 +1,6 @@
 #include "CadLayer.h"
 
-#include "control/CadView.h"
+#include "shapes/ShapeContext.h"
 #include "platform/DeviceContext.h"
 
 #include <algorithm>
@@ -53,28 +53,12 @@ std::unique_ptr<CObjShape> CadLayer::Take(const CObjShape* shape)
     return taken;
 }
 
-void DrawWithAttr(DeviceContext& dc, CObjShape& shape, const ShapeAttr& attr, const DeviceRect& clip, CadView& view,
-                  int32_t mode)
-{
-    PenHandle oldPen = dc.SelectPen(view.SelectPen(attr, view.World));
-    BrushHandle oldBrush = dc.SelectBrush(view.SelectBrush(attr));
-    BackMode oldMode = dc.SetBkMode(CadColorTable::BackModeFor(attr));
-    ColorRef oldBack = dc.SetBkColor(view.BackColorFor(attr));
-    ColorRef oldText = dc.SetTextColor(view.PenFor(attr, view.World).color);
-    shape.Draw(dc, clip, view, mode);
-    dc.SelectPen(oldPen);
-    dc.SelectBrush(oldBrush);
-    dc.SetBkMode(oldMode);
-    dc.SetBkColor(oldBack);
-    dc.SetTextColor(oldText);
-}
-
-void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, CadView& view, int32_t mode)
+void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int32_t mode)
 {
     // The size is read on every pass: drawing may fire into the host.
     for (size_t i = 0; i < Shapes.size(); ++i) {
         CObjShape& shape = *Shapes[i];
-        if (shape.selected) continue;
+        if (shape.Selected) continue;
         if (!view.World.Changed && !IsGroupList) {
             DeviceRect b = OrderedRect(shape.BoundsAsRect());
             if (b.Intersected(clip).IsEmpty()) continue;
@@ -85,30 +69,26 @@ void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, CadView& view, int32_t 
             shape.Draw(dc, clip, view, mode);
             continue;
         }
-        const ShapeAttr& attr = IsGroupList && mode != 0 && view.Buf.SelectMode != 1 && Attr
+        const ShapeAttr& attr = IsGroupList && mode != 0 && view.SelectMode() != 1 && Attr
                                     ? *Attr
                                     : view.EffectiveAttr(shape);
-        DrawWithAttr(dc, shape, attr, clip, view, mode);
+        view.DrawWithAttr(dc, shape, attr, clip, mode);
     }
 }
 
-CObjShape* CadLayer::Search(DevicePoint point, bool snap, bool wantShape, int16_t action, CadView& view)
+CObjShape* CadLayer::Search(DevicePoint point, bool snap, bool wantShape, int16_t action, ShapeContext& view)
 {
     if (!(action & LayerActions::Show)) return nullptr;
     if (!(action & LayerActions::Find)) return nullptr;
     for (size_t i = Shapes.size(); i-- > 0;) {
         CObjShape* shape = Shapes[i].get();
-        if (view.MouseActive && shape->selected) continue;
+        if (view.MouseActive && shape->Selected) continue;
         int32_t hit = shape->HitTest(point, view);
         if (!hit) continue;
         CadLayer* members = shape->GroupList();
         if (snap) {
-            CObjShape* target = members ? view.Buf.FindShape(hit) : shape;
-            if (target) {
-                int32_t handle = target->HandleFromPoint(point, view);
-                WorldPoint at = target->GetHandlePoint(handle, view.World);
-                view.World.MoveCursorTo(at, point, view.World.CursorScreenPos, view.Window);
-            }
+            CObjShape* target = members ? view.FindShape(hit) : shape;
+            if (target) view.SnapPointerTo(target->GetHandlePoint(target->HandleFromPoint(point, view), view), point);
             return shape;
         }
         if (!members || members->Action == LayerActions::Show) return wantShape ? shape : nullptr;

@@ -14,7 +14,7 @@
 
 namespace bvx {
 
-class CadView;
+class ShapeContext;
 
 // LayerAction bits.
 namespace LayerActions {
@@ -51,17 +51,12 @@ public:
     std::unique_ptr<CObjShape> Take(const CObjShape* shape);
 
     // Paints the shapes not selected, growing `clip` by every shape drawn.
-    void Draw(DeviceContext& dc, DeviceRect& clip, CadView& view, int32_t mode);
+    void Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int32_t mode);
 
     // The layer search: the front-most shape under the point. `snap` moves
     // the pointer to the nearest handle; `wantShape` decides whether a plain
     // hit is returned.
-    CObjShape* Search(DevicePoint point, bool snap, bool wantShape, int16_t action, CadView& view);
+    CObjShape* Search(DevicePoint point, bool snap, bool wantShape, int16_t action, ShapeContext& view);
 };
-
-// Selects the record's pen, brush and colours into the device around one
-// shape's drawing and puts the device back afterwards.
-void DrawWithAttr(DeviceContext& dc, CObjShape& shape, const ShapeAttr& attr, const DeviceRect& clip, CadView& view,
-                  int32_t mode);
 
 } // namespace bvx

@@ -1,7 +1,7 @@
 #include "CadColorTable.h"
 
-#include "buffer/CadWorld.h"
-#include "buffer/Rounding.h"
+#include "world/CadWorld.h"
+#include "world/Rounding.h"
 #include "platform/SystemColors.h"
 
 #include <algorithm>

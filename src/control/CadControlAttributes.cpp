@@ -42,8 +42,8 @@ const AttrFieldAccess& Access(AttrField field) { return kAttrFields[size_t(field
 
 ShapeAttr& CadControl::OwnAttr(CObjShape& shape)
 {
-    if (!shape.attr) shape.attr = std::make_unique<ShapeAttr>(view_.EffectiveAttr(shape));
-    return *shape.attr;
+    if (!shape.Attr) shape.Attr = std::make_unique<ShapeAttr>(view_.EffectiveAttr(shape));
+    return *shape.Attr;
 }
 
 // An unknown shape or layer reads 0 and ignores a write.

@@ -98,7 +98,7 @@ Variant CadControl::GetLayerShapeNumbers(int16_t layer)
     const CadLayer* l = view_.Buf.Layer(layer);
     if (!l) return Variant::NullArray(VarType::I4);
     std::vector<Variant> numbers;
-    for (const auto& s : l->Shapes) numbers.push_back(Variant::I4(s->number));
+    for (const auto& s : l->Shapes) numbers.push_back(Variant::I4(s->Number));
     return Variant::Array1D(VarType::I4, std::move(numbers));
 }
 

@@ -19,7 +19,7 @@ bool CadControl::ShapeSelect(int32_t number, bool add)
     if (!add) view_.ClearSelection(nullptr);
     view_.Buf.Select(shape);
     view_.InvalidateShape(shape, true);
-    view_.Fire<&EventSink::ShapeNumberSelected>(shape->GetShapeType(), shape->number);
+    view_.Fire<&EventSink::ShapeNumberSelected>(shape->GetShapeType(), shape->Number);
     return true;
 }
 
@@ -45,19 +45,19 @@ int32_t CadControl::GetShapeSelectCount() { return int32_t(view_.Buf.Selection.s
 Variant CadControl::GetShapeSelectNumbers()
 {
     std::vector<Variant> numbers;
-    for (const CObjShape* s : view_.Buf.Selection) numbers.push_back(Variant::I4(s->number));
+    for (const CObjShape* s : view_.Buf.Selection) numbers.push_back(Variant::I4(s->Number));
     return Variant::Array1D(VarType::I4, std::move(numbers));
 }
 
 bool CadControl::GetShapeIsSelected(int32_t number)
 {
     const CObjShape* s = Shape(number);
-    return s && s->selected;
+    return s && s->Selected;
 }
 
 int16_t CadControl::GetShapeSelectType() { return view_.Buf.FocusShape ? view_.Buf.FocusShape->GetShapeType() : 0; }
-int16_t CadControl::GetShapeSelectLayer() { return view_.Buf.FocusShape ? view_.Buf.FocusShape->layer : 0; }
-int32_t CadControl::GetShapeSelectNumber() { return view_.Buf.FocusShape ? view_.Buf.FocusShape->number : 0; }
+int16_t CadControl::GetShapeSelectLayer() { return view_.Buf.FocusShape ? view_.Buf.FocusShape->Layer : 0; }
+int32_t CadControl::GetShapeSelectNumber() { return view_.Buf.FocusShape ? view_.Buf.FocusShape->Number : 0; }
 int16_t CadControl::GetShapeSelectPoint() { return view_.Buf.FocusPoint; }
 
 // ---- z-order ----
@@ -106,8 +106,8 @@ int32_t CadControl::ShapeToLayer(int32_t number, int16_t layer, bool copy)
 {
     CObjShape* s = Shape(number);
     CadBuf& buf = view_.Buf;
-    if (!s || s->group != -1 || !buf.IsLayer(layer)) return kNoShape;
-    bool wasSelected = s->selected, wasFocus = buf.FocusShape == s;
+    if (!s || s->Group != -1 || !buf.IsLayer(layer)) return kNoShape;
+    bool wasSelected = s->Selected, wasFocus = buf.FocusShape == s;
     if (wasSelected) buf.Deselect(s);
     // Another shape's focus survives the move: Select would take it.
     CObjShape* otherFocus = buf.FocusShape;
@@ -115,23 +115,23 @@ int32_t CadControl::ShapeToLayer(int32_t number, int16_t layer, bool copy)
     CObjShape* placed = nullptr;
     if (copy) {
         std::unique_ptr<CObjShape> clone = s->Clone(buf.CopyMode);
-        clone->number = ++buf.NextShapeNumber;
-        clone->layer = layer;
+        clone->Number = ++buf.NextShapeNumber;
+        clone->Layer = layer;
         placed = clone.get();
         buf.Layers[size_t(layer)]->Shapes.push_back(std::move(clone));
-        buf.ShapeMap.Insert(placed->number, placed);
+        buf.ShapeMap.Insert(placed->Number, placed);
         if (placed->GroupList()) buf.NumberGroupMembers(placed);
     } else {
         std::unique_ptr<CObjShape> moved = buf.DetachShape(s);
         if (!moved) return kNoShape;
-        moved->layer = layer;
+        moved->Layer = layer;
         placed = moved.get();
         buf.Layers[size_t(layer)]->Shapes.push_back(std::move(moved));
     }
     if (wasSelected) buf.Select(placed);
     buf.FocusShape = wasFocus ? placed : otherFocus;
     view_.InvalidateShape(placed, true);
-    return placed->number;
+    return placed->Number;
 }
 
 int32_t CadControl::ShapeHitTest(double x, double y, int16_t searchMethod)
@@ -153,7 +153,7 @@ int32_t CadControl::ShapeHitTest(double x, double y, int16_t searchMethod)
                 hit = shape.HitTest(p, view_) != 0;
                 shape.SetSearchMethod(saved);
             }
-            if (hit) return shape.number;
+            if (hit) return shape.Number;
         }
     }
     return kNoShape;

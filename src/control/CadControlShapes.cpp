@@ -2,7 +2,7 @@
 #include "CadControl.h"
 
 #include "CadControlSupport.h"
-#include "buffer/Rounding.h"
+#include "world/Rounding.h"
 #include "shapes/CRectShape.h"
 
 namespace bvx {
@@ -15,7 +15,7 @@ int32_t CadControl::DrawShape(int16_t type, WorldPoint first, WorldPoint second,
     CObjShape* shape = view_.CreateShape(type, layer);
     if (!shape) return kNoShape;
     // The host may have deleted the shape from the event that announced it.
-    int32_t number = shape->number;
+    int32_t number = shape->Number;
     if (!(shape = Shape(number))) return number;
     shape->SetPoint(0, first.x, first.y, &view_);
     shape->SetPoint(1, second.x, second.y, &view_);
@@ -44,7 +44,7 @@ int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)
 {
     if (!view_.Buf.IsLayer(layer) || type < 1 || type > 20) return kNoShape;
     CObjShape* shape = view_.CreateShape(int16_t(type), layer);
-    return shape ? shape->number : kNoShape;
+    return shape ? shape->Number : kNoShape;
 }
 
 void CadControl::ShapeDelete(int32_t number)
@@ -93,12 +93,12 @@ int16_t CadControl::GetShapeType(int32_t number)
 int16_t CadControl::ShapeOnLayer(int32_t number)
 {
     const CObjShape* s = Shape(number);
-    return s ? s->layer : -1;
+    return s ? s->Layer : -1;
 }
 int32_t CadControl::ShapeOnGroup(int32_t number)
 {
     const CObjShape* s = Shape(number);
-    return s ? s->group : -1;
+    return s ? s->Group : -1;
 }
 double CadControl::GetShapeArea(int32_t number)
 {
@@ -108,11 +108,11 @@ double CadControl::GetShapeArea(int32_t number)
 std::u16string CadControl::GetShapeNotes(int32_t number)
 {
     const CObjShape* s = Shape(number);
-    return s ? s->notes : std::u16string();
+    return s ? s->Notes : std::u16string();
 }
 void CadControl::PutShapeNotes(int32_t number, std::u16string notes)
 {
-    if (CObjShape* s = Shape(number)) s->notes = std::move(notes);
+    if (CObjShape* s = Shape(number)) s->Notes = std::move(notes);
 }
 int16_t CadControl::GetShapeSearchMethod(int32_t number)
 {
@@ -138,7 +138,7 @@ void CadControl::PutShapeLineType(int32_t number, int16_t type)
 bool CadControl::GetShapeIsColorSet(int32_t number)
 {
     const CObjShape* s = Shape(number);
-    return s && s->attr;
+    return s && s->Attr;
 }
 void CadControl::ShapeColorReset(int32_t number)
 {

@@ -95,7 +95,7 @@ void CadControl::WorldExtents()
     for (size_t l = view_.Buf.Layers.size(); l-- > 1;) {
         const CadLayer& layer = *view_.Buf.Layers[l];
         if (!(layer.Action & LayerActions::Show)) continue;
-        for (size_t i = layer.Shapes.size(); i-- > 0;) unite(layer.Shapes[i]->GetWorldBounds(w));
+        for (size_t i = layer.Shapes.size(); i-- > 0;) unite(layer.Shapes[i]->GetWorldBounds(view_));
     }
     w.SetWorld(all.left, all.top, all.right, all.bottom, 0);
     // Centre what was found in the window the square rule made.

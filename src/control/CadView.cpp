@@ -1,8 +1,11 @@
 #include "CadView.h"
 
-#include "buffer/Rounding.h"
+#include "platform/DeviceContext.h"
 #include "shapes/CEllipseShape.h"
 #include "shapes/CRectShape.h"
+#include "world/Rounding.h"
+
+#include <algorithm>
 
 namespace bvx {
 
@@ -92,7 +95,7 @@ void CadView::CancelMouse()
     if (Buf.Selection.empty()) return;
     CObjShape* first = Buf.Selection.front();
     // The shape under construction goes with the cancel.
-    if (first->number == -1)
+    if (first->Number == -1)
         Buf.Deselect(first);
     else
         DeleteShape(first, true);
@@ -111,21 +114,21 @@ bool CadView::DeleteShape(CObjShape* shape, bool fireEvent)
 {
     if (!shape) return false;
     InvalidateShape(shape, false);
-    if (shape->selected) Buf.Deselect(shape);
+    if (shape->Selected) Buf.Deselect(shape);
     if (CadLayer* members = shape->GroupList())
         while (!members->Shapes.empty())
             if (!DeleteShape(members->Shapes.back().get(), true)) break;
     std::unique_ptr<CObjShape> owned;
-    if (shape->group == -1) {
+    if (shape->Group == -1) {
         owned = Buf.DetachShape(shape);
-    } else if (CObjShape* group = Buf.FindShape(shape->group); group && group->GroupList()) {
+    } else if (CObjShape* group = Buf.FindShape(shape->Group); group && group->GroupList()) {
         owned = group->GroupList()->Take(shape);
     }
     // A shape nobody held cannot be given up; it stays where it is.
     if (!owned) return false;
     Buf.ForgetShape(shape);
     InvalidateShape(shape, true);
-    int32_t number = shape->number;
+    int32_t number = shape->Number;
     owned.reset();
     if (fireEvent) Fire<&EventSink::ShapeNumberDeleted>(number);
     return true;
@@ -157,15 +160,56 @@ const ShapeAttr& CadView::EffectiveAttr(const CObjShape& shape) const
     const CObjShape* s = &shape;
     // A group chain is finite, but a damaged one must not spin.
     for (size_t depth = 0; s && depth <= Buf.ShapeMap.Size() + 1; ++depth) {
-        if (s->number == -1) return Buf.CurrentLayer && Buf.CurrentLayer->Attr ? *Buf.CurrentLayer->Attr : fallback;
-        if (s->attr) return *s->attr;
-        if (s->group < 0) {
-            const CadLayer* layer = Buf.Layer(s->layer);
+        if (s->Number == -1) return Buf.CurrentLayer && Buf.CurrentLayer->Attr ? *Buf.CurrentLayer->Attr : fallback;
+        if (s->Attr) return *s->Attr;
+        if (s->Group < 0) {
+            const CadLayer* layer = Buf.Layer(s->Layer);
             return layer && layer->Attr ? *layer->Attr : fallback;
         }
-        s = Buf.FindShape(s->group);
+        s = Buf.FindShape(s->Group);
     }
     return fallback;
+}
+
+void CadView::DrawWithAttr(DeviceContext& dc, CObjShape& shape, const ShapeAttr& attr, const DeviceRect& clip,
+                           int32_t mode)
+{
+    PenHandle oldPen = dc.SelectPen(SelectPen(attr, World));
+    BrushHandle oldBrush = dc.SelectBrush(SelectBrush(attr));
+    BackMode oldMode = dc.SetBkMode(BackModeFor(attr));
+    ColorRef oldBack = dc.SetBkColor(BackColorFor(attr));
+    ColorRef oldText = dc.SetTextColor(PenFor(attr, World).color);
+    shape.Draw(dc, clip, *this, mode);
+    dc.SelectPen(oldPen);
+    dc.SelectBrush(oldBrush);
+    dc.SetBkMode(oldMode);
+    dc.SetBkColor(oldBack);
+    dc.SetTextColor(oldText);
+}
+
+void CadView::DrawSnapMarker(DeviceContext& dc)
+{
+    if (!Buf.SnapMarkerOn || !Buf.SnapMarkerUp) return;
+    DevicePoint p = World.WorldToDevice(Buf.SnapPoint);
+    PenHandle old = dc.SelectPen(SelectPen(Buf.SnapMarkerAttr, World));
+    int64_t x = p.x, y = p.y;
+    auto clamp32 = [](int64_t v) { return int32_t(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
+    dc.MoveToEx(clamp32(x - 8), clamp32(y - 8));
+    dc.LineTo(clamp32(x + 8), clamp32(y + 8));
+    dc.MoveToEx(clamp32(x + 8), clamp32(y - 8));
+    dc.LineTo(clamp32(x - 8), clamp32(y + 8));
+    dc.SelectPen(old);
+}
+
+int16_t CadView::LayerLineType(int16_t layer) const
+{
+    const CadLayer* owner = Buf.Layer(layer);
+    return owner ? owner->LineType : 0;
+}
+
+void CadView::SnapPointerTo(const WorldPoint& point, DevicePoint press)
+{
+    World.MoveCursorTo(point, press, World.CursorScreenPos, Window);
 }
 
 void CadView::ClearSelection(CObjShape* shape)
@@ -193,7 +237,7 @@ CObjShape* CadView::CreateShape(int16_t type, int32_t layerNumber)
         auto rect = std::make_unique<CRectShape>();
         rect->SetShapeType(uint8_t(type), type == bvxLine ? 0 : search);
         // A new rounded rectangle's corners take 16 pixels at today's scale.
-        if (type == bvxRoundRectangle) rect->radius = World.DeviceSizeToWorld({16, 16});
+        if (type == bvxRoundRectangle) rect->Radius = World.DeviceSizeToWorld({16, 16});
         shape = std::move(rect);
         break;
     }

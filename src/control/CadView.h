@@ -7,25 +7,25 @@
 #include "CadColorTable.h"
 #include "EventSink.h"
 #include "buffer/CadBuf.h"
-#include "buffer/CadWorld.h"
 #include "platform/HostWindow.h"
+#include "shapes/ShapeContext.h"
 
 #include <cstdint>
 #include <memory>
 
 namespace bvx {
 
-class CadView : public CadColorTable {
+// The view is the context its shapes and document work in (ShapeContext,
+// which also holds the world mapping) and is-a colour table.
+class CadView : public CadColorTable, public ShapeContext {
 public:
     explicit CadView(HostWindow* window = nullptr, EventSink* sink = nullptr);
-    ~CadView();
+    ~CadView() override;
     CadView(const CadView&) = delete;
     CadView& operator=(const CadView&) = delete;
 
-    CadWorld World;
     CadBuf Buf;
 
-    int16_t MouseActive = 0;
     uint8_t CaretOn = 0;
     int32_t CaretX = 0;
     int32_t CaretY = 0;
@@ -38,14 +38,10 @@ public:
     HostWindow* Window = nullptr;
     uint32_t BackColorCopy = 0xFFFFFF;
     int16_t CurrentTool = 0;
-    uint8_t ViewDrawOrthogonal = 0;
     uint8_t ViewPersistMouseTool = 0;
     uint8_t ViewKeyDelete = 1;
     uint8_t ViewKeyCopy = 1;
     uint8_t ViewKeySelect = 1;
-    double ReadoutDistance = 0;
-    double ReadoutAngle = 0;
-    int16_t HitTolerance = 3;
     uint8_t DrawAbort = 0;
     uint8_t DrawInProgress = 0;
     uint8_t SkipNextClick = 0;
@@ -54,15 +50,28 @@ public:
 
     // Invalidation: the only ways pixels get changed.
     void Redraw(int32_t mode);
-    void InvalidateShape(const CObjShape* shape, bool commit);
+    void InvalidateShape(const CObjShape* shape, bool commit) override;
     void InvalidateSnapMarker();
 
-    void CancelMouse();
+    void CancelMouse() override;
     void SetMouseTool(int16_t tool);
     bool DeleteShape(CObjShape* shape, bool fireEvent);
-    void ShowTextCaret(bool on);
-    const ShapeAttr& EffectiveAttr(const CObjShape& shape) const;
+    void ShowTextCaret(bool on) override;
+    const ShapeAttr& EffectiveAttr(const CObjShape& shape) const override;
+    void DrawWithAttr(DeviceContext& dc, CObjShape& shape, const ShapeAttr& attr, const DeviceRect& clip,
+                      int32_t mode) override;
     void ClearSelection(CObjShape* shape);
+    // The pointer's snap marker: a cross over the snap point while it is up.
+    void DrawSnapMarker(DeviceContext& dc);
+
+    CObjShape* FindShape(int32_t number) const override { return Buf.FindShape(number); }
+    int16_t LayerLineType(int16_t layer) const override;
+    bool ShowTracker() const override { return Buf.ShowTracker; }
+    int16_t SelectMode() const override { return Buf.SelectMode; }
+    void SnapPointerTo(const WorldPoint& point, DevicePoint press) override;
+    void ShapeAdded(int16_t type, int32_t number) override { Fire<&EventSink::ShapeNumberAdded>(type, number); }
+    void ShapeSelected(int16_t type, int32_t number) override { Fire<&EventSink::ShapeNumberSelected>(type, number); }
+    void RadiusDragged(double radiusX, double radiusY) override { Fire<&EventSink::DrawRadius>(radiusX, radiusY); }
 
     // Makes an empty shape of a type in a layer, the way the tools and the
     // members do without a mouse; null for a type no class draws.

@@ -1,9 +1,9 @@
 #include "CEllipseShape.h"
 
 #include "CRectShape.h"
-#include "buffer/CadWorld.h"
-#include "buffer/Rounding.h"
-#include "control/CadView.h"
+#include "world/CadWorld.h"
+#include "world/Rounding.h"
+#include "ShapeContext.h"
 #include "platform/DeviceContext.h"
 #include "platform/Region.h"
 
@@ -22,16 +22,16 @@ constexpr int16_t kRoleCentre = 9;
 
 CEllipseShape::CEllipseShape() { SetShapeType(bvxEllipse, 0); }
 
-CEllipseShape::CEllipseShape(const WorldPoint& c) : CEllipseShape() { centre = c; }
+CEllipseShape::CEllipseShape(const WorldPoint& c) : CEllipseShape() { Centre = c; }
 
-WorldPoint CEllipseShape::GetHandlePoint(int32_t handle, const CadWorld&) const
+WorldPoint CEllipseShape::GetHandlePoint(int32_t handle, const ShapeContext&) const
 {
     switch (handle) {
-    case 1: return {centre.x, centre.y + radiusY};
-    case 2: return {centre.x + radiusX, centre.y};
-    case 3: return {centre.x, centre.y - radiusY};
-    case 4: return {centre.x - radiusX, centre.y};
-    case 5: return centre;
+    case 1: return {Centre.x, Centre.y + RadiusY};
+    case 2: return {Centre.x + RadiusX, Centre.y};
+    case 3: return {Centre.x, Centre.y - RadiusY};
+    case 4: return {Centre.x - RadiusX, Centre.y};
+    case 5: return Centre;
     default: return {};
     }
 }
@@ -42,10 +42,10 @@ int16_t CEllipseShape::GetHandleCursor(std::span<const int16_t> pointers, int32_
     return size_t(role) < pointers.size() ? pointers[size_t(role)] : role;
 }
 
-WorldPoint CEllipseShape::GetPoint(int16_t index, const CadView&) const
+WorldPoint CEllipseShape::GetPoint(int16_t index, const ShapeContext&) const
 {
-    if (index == 0) return centre;
-    if (index == 1) return {radiusX, radiusY};
+    if (index == 0) return Centre;
+    if (index == 1) return {RadiusX, RadiusY};
     return {};
 }
 
@@ -55,48 +55,48 @@ int16_t CEllipseShape::HandleToPoint(int32_t handle) const
     return handle == 5 ? 0 : 1;
 }
 
-bool CEllipseShape::SetPoint(int16_t index, double x, double y, CadView* view)
+bool CEllipseShape::SetPoint(int16_t index, double x, double y, ShapeContext* view)
 {
     if (index == 0) {
-        centre = {x, y};
+        Centre = {x, y};
     } else if (index == 1) {
-        radiusX = x;
-        radiusY = IsCircle() ? x : y;
+        RadiusX = x;
+        RadiusY = IsCircle() ? x : y;
     } else {
         return false;
     }
-    if (view) UpdateBounds(view->World);
+    if (view) UpdateBounds(*view);
     return true;
 }
 
-void CEllipseShape::Transform(const Matrix3& matrix, CadView& view)
+void CEllipseShape::Transform(const Matrix3& matrix, ShapeContext& view)
 {
-    ApplyMatrix(matrix, centre);
+    ApplyMatrix(matrix, Centre);
     // A circle keeps its radius under every transform.
     if (GetShapeType() == bvxEllipse) {
-        radiusX *= std::fabs(matrix.m[0]);
-        radiusY *= std::fabs(matrix.m[4]);
+        RadiusX *= std::fabs(matrix.m[0]);
+        RadiusY *= std::fabs(matrix.m[4]);
     }
-    UpdateBounds(view.World);
+    UpdateBounds(view);
 }
 
 double CEllipseShape::GetArea() const
 {
-    if (IsCircle()) return std::pow(radiusX, 2.0) * 3.141592653589793;
-    if (GetShapeType() == bvxEllipse) return radiusY * radiusX * 3.141592653589793;
+    if (IsCircle()) return std::pow(RadiusX, 2.0) * 3.141592653589793;
+    if (GetShapeType() == bvxEllipse) return RadiusY * RadiusX * 3.141592653589793;
     return 0.0;
 }
 
-void CEllipseShape::Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, int32_t)
+void CEllipseShape::Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view, int32_t)
 {
-    UpdateBounds(view.World);
+    UpdateBounds(view);
     DeviceRect r = BoundsAsRect();
     r.right = WrapToInt32(double(r.right) + 1);
     r.bottom = WrapToInt32(double(r.bottom) + 1);
     if (r.Intersected(clip).IsEmpty()) return;
-    if (radiusY == 0) {
+    if (RadiusY == 0) {
         // Flat: a dot or a one-pixel line through the centre.
-        int32_t y = view.World.WorldToDevice(centre).y;
+        int32_t y = view.World.WorldToDevice(Centre).y;
         dc.MoveToEx(r.left, y);
         dc.LineTo(r.right, y);
         return;
@@ -104,15 +104,15 @@ void CEllipseShape::Draw(DeviceContext& dc, const DeviceRect& clip, CadView& vie
     dc.Ellipse(r.left, r.top, r.right, r.bottom);
 }
 
-void CEllipseShape::Move(const WorldPoint& delta, CadView& view)
+void CEllipseShape::Move(const WorldPoint& delta, ShapeContext& view)
 {
     if (delta.x == 0 && delta.y == 0) return;
     view.InvalidateShape(this, false);
-    centre = {centre.x + delta.x, centre.y + delta.y};
-    UpdateBounds(view.World);
+    Centre = {Centre.x + delta.x, Centre.y + delta.y};
+    UpdateBounds(view);
 }
 
-int32_t CEllipseShape::HitTest(DevicePoint point, CadView&)
+int32_t CEllipseShape::HitTest(DevicePoint point, ShapeContext&)
 {
     const int16_t method = GetSearchMethod();
     DeviceRect r = OrderedRect(BoundsAsRect());
@@ -126,71 +126,73 @@ int32_t CEllipseShape::HitTest(DevicePoint point, CadView&)
     return !CreateEllipticRgn(inner.left, inner.top, inner.right, inner.bottom).PtInRegion(point.x, point.y);
 }
 
-void CEllipseShape::MoveHandle(int32_t handle, WorldPoint point, CadView& view)
+void CEllipseShape::MoveHandle(int32_t handle, WorldPoint point, ShapeContext& view)
 {
     view.InvalidateShape(this, false);
     if (handle == 5) {
-        centre = point;
+        Centre = point;
     } else {
         if (IsCircle()) {
-            radiusX = radiusY = Distance(point, centre);
+            RadiusX = RadiusY = Distance(point, Centre);
         } else if (GetShapeType() == bvxEllipse) {
-            if (handle == 1 || handle == 3) radiusY = std::fabs(centre.y - point.y);
-            if (handle == 2 || handle == 4) radiusX = std::fabs(centre.x - point.x);
+            if (handle == 1 || handle == 3) RadiusY = std::fabs(Centre.y - point.y);
+            if (handle == 2 || handle == 4) RadiusX = std::fabs(Centre.x - point.x);
         }
-        view.Fire<&EventSink::DrawRadius>(radiusX, radiusY);
+        view.RadiusDragged(RadiusX, RadiusY);
     }
-    UpdateBounds(view.World);
+    UpdateBounds(view);
 }
 
 std::unique_ptr<CObjShape> CEllipseShape::Clone(int16_t withAttr) const
 {
     auto copy = std::make_unique<CEllipseShape>();
     CopyBaseTo(*copy);
-    copy->centre = centre;
-    copy->radiusX = radiusX;
-    copy->radiusY = radiusY;
+    copy->Centre = Centre;
+    copy->RadiusX = RadiusX;
+    copy->RadiusY = RadiusY;
     CopyAttrIf(*this, *copy, withAttr);
     return copy;
 }
 
-int32_t CEllipseShape::HandleFromPoint(DevicePoint point, CadView&) const
+int32_t CEllipseShape::HandleFromPoint(DevicePoint point, ShapeContext&) const
 {
     static constexpr int32_t kHandleOfSum[11] = {1, 1, 2, 0, 4, 5, 2, 0, 4, 3, 3};
     return kHandleOfSum[HandleGridSum(BoundsAsRect(), point)];
 }
 
-int16_t CEllipseShape::NearestPoint(DevicePoint point, CadView& view) const
+int16_t CEllipseShape::NearestPoint(DevicePoint point, ShapeContext& view) const
 {
     return HandleToPoint(HandleFromPoint(point, view));
 }
 
-void CEllipseShape::UpdateBounds(const CadWorld& world)
+void CEllipseShape::UpdateBounds(const ShapeContext& view)
 {
-    WorldRect b = GetWorldBounds(world);
-    StoreBounds(OrderedRect(world.WorldRectToDevice({b.left, b.top}, {b.right, b.bottom})));
+    WorldRect b = GetWorldBounds(view);
+    StoreBounds(OrderedRect(view.World.WorldRectToDevice({b.left, b.top}, {b.right, b.bottom})));
 }
 
-WorldRect CEllipseShape::GetWorldBounds(const CadWorld&) const
+WorldRect CEllipseShape::GetWorldBounds(const ShapeContext&) const { return Extent(); }
+
+WorldRect CEllipseShape::Extent() const
 {
-    return {centre.x - radiusX, centre.y - radiusY, centre.x + radiusX, centre.y + radiusY};
+    return {Centre.x - RadiusX, Centre.y - RadiusY, Centre.x + RadiusX, Centre.y + RadiusY};
 }
 
-bool CEllipseShape::ConvertTo(int16_t type, CObjShape* target, int16_t, double, CadView* view) const
+bool CEllipseShape::ConvertTo(int16_t type, CObjShape* target, int16_t, double, ShapeContext*) const
 {
     if (!target) return false;
     target->SetShapeType(uint8_t(type), 0);
     if (type == bvx2PointEllipse) {
         auto* rect = dynamic_cast<CRectShape*>(target);
         if (!rect) return false;
-        WorldRect b = GetWorldBounds(view ? view->World : CadWorld{});
-        rect->p1 = {b.left, b.top};
-        rect->p2 = {b.right, b.bottom};
+        WorldRect b = Extent();
+        rect->P1 = {b.left, b.top};
+        rect->P2 = {b.right, b.bottom};
         return true;
     }
     if (type == bvxEllipse && IsCircle()) {
-        target->SetPoint(0, centre.x, centre.y, nullptr);
-        target->SetPoint(1, radiusX, radiusY, nullptr);
+        target->SetPoint(0, Centre.x, Centre.y, nullptr);
+        target->SetPoint(1, RadiusX, RadiusY, nullptr);
         return true;
     }
     return false;

@@ -1,8 +1,8 @@
 #include "CObjShape.h"
 
-#include "buffer/CadWorld.h"
-#include "buffer/Rounding.h"
-#include "control/CadView.h"
+#include "world/CadWorld.h"
+#include "world/Rounding.h"
+#include "ShapeContext.h"
 #include "platform/DeviceContext.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ constexpr int16_t kRoleHorizontal = 4;
 constexpr int16_t kRoleOther = 7;
 } // namespace
 
-WorldPoint CObjShape::GetHandlePoint(int32_t, const CadWorld&) const { return {}; }
+WorldPoint CObjShape::GetHandlePoint(int32_t, const ShapeContext&) const { return {}; }
 
 int16_t CObjShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const
 {
@@ -39,48 +39,48 @@ int16_t CObjShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t ha
     return size_t(role) < pointers.size() ? pointers[size_t(role)] : role;
 }
 
-WorldPoint CObjShape::GetPoint(int16_t, const CadView&) const { return {}; }
+WorldPoint CObjShape::GetPoint(int16_t, const ShapeContext&) const { return {}; }
 int16_t CObjShape::GetPointKind(int16_t) const { return 1; }
 int16_t CObjShape::HandleToPoint(int32_t) const { return -1; }
-bool CObjShape::SetPoint(int16_t, double, double, CadView*) { return false; }
-void CObjShape::Transform(const Matrix3&, CadView&) {}
-void CObjShape::Move(const WorldPoint&, CadView&) {}
-void CObjShape::MoveHandle(int32_t, WorldPoint, CadView&) {}
-void CObjShape::UpdateBounds(const CadWorld&) {}
-WorldRect CObjShape::GetWorldBounds(const CadWorld&) const { return {}; }
-bool CObjShape::ConvertTo(int16_t, CObjShape*, int16_t, double, CadView*) const { return false; }
-void CObjShape::Draw(DeviceContext&, const DeviceRect&, CadView&, int32_t) {}
-int32_t CObjShape::HitTest(DevicePoint, CadView&) { return 0; }
-int32_t CObjShape::HandleFromPoint(DevicePoint, CadView&) const { return 0; }
-int16_t CObjShape::NearestPoint(DevicePoint, CadView&) const { return -1; }
+bool CObjShape::SetPoint(int16_t, double, double, ShapeContext*) { return false; }
+void CObjShape::Transform(const Matrix3&, ShapeContext&) {}
+void CObjShape::Move(const WorldPoint&, ShapeContext&) {}
+void CObjShape::MoveHandle(int32_t, WorldPoint, ShapeContext&) {}
+void CObjShape::UpdateBounds(const ShapeContext&) {}
+WorldRect CObjShape::GetWorldBounds(const ShapeContext&) const { return {}; }
+bool CObjShape::ConvertTo(int16_t, CObjShape*, int16_t, double, ShapeContext*) const { return false; }
+void CObjShape::Draw(DeviceContext&, const DeviceRect&, ShapeContext&, int32_t) {}
+int32_t CObjShape::HitTest(DevicePoint, ShapeContext&) { return 0; }
+int32_t CObjShape::HandleFromPoint(DevicePoint, ShapeContext&) const { return 0; }
+int16_t CObjShape::NearestPoint(DevicePoint, ShapeContext&) const { return -1; }
 
-DeviceRect CObjShape::HandleBox(int32_t handle, const CadWorld& world) const
+DeviceRect CObjShape::HandleBox(int32_t handle, const ShapeContext& view) const
 {
-    DevicePoint d = world.WorldToDevice(GetHandlePoint(handle, world));
+    DevicePoint d = view.World.WorldToDevice(GetHandlePoint(handle, view));
     return {WrapToInt32(double(d.x) - kHandleHalf), WrapToInt32(double(d.y) - kHandleHalf),
             WrapToInt32(double(d.x) + kHandleHalf), WrapToInt32(double(d.y) + kHandleHalf)};
 }
 
-void CObjShape::DrawHandles(DeviceContext& dc, uint32_t rop, CadView& view)
+void CObjShape::DrawHandles(DeviceContext& dc, uint32_t rop, ShapeContext& view)
 {
-    if (!view.Buf.ShowTracker) return;
+    if (!view.ShowTracker()) return;
     for (int32_t h = 1; h <= GetHandleCount(); ++h) {
-        DeviceRect box = HandleBox(h, view.World);
+        DeviceRect box = HandleBox(h, view);
         int32_t w = int32_t(box.Width()), height = int32_t(box.Height());
         dc.PatBlt(box.left, box.top, w, height, RasterOp::Blackness);
         dc.PatBlt(box.left + 1, box.top + 1, w - 2, height - 2, rop);
     }
 }
 
-int32_t CObjShape::HitHandle(DevicePoint p, int32_t trackerMode, const CadWorld& world) const
+int32_t CObjShape::HitHandle(DevicePoint p, int32_t trackerMode, const ShapeContext& view) const
 {
     if (trackerMode == 0) {
         // The y test reads bounds in the y-up sense; kept as it always was.
-        return p.x >= bounds.left && p.x < bounds.right && p.y <= bounds.top && p.y > bounds.bottom ? 1 : 0;
+        return p.x >= Bounds.left && p.x < Bounds.right && p.y <= Bounds.top && p.y > Bounds.bottom ? 1 : 0;
     }
     if (!PtInRect(InflatedRect(BoundsAsRect(), kHandleHalf, kHandleHalf), p)) return 0;
     for (int32_t h = 1; h <= GetHandleCount(); ++h) {
-        if (!PtInRect(HandleBox(h, world), p)) continue;
+        if (!PtInRect(HandleBox(h, view), p)) continue;
         int16_t type = GetShapeType();
         // An arc's first handle carries the whole shape.
         return h == 1 && (type == bvxArc || type == bvxPieSlice || type == bvxChord) ? 9 : h;
@@ -88,7 +88,7 @@ int32_t CObjShape::HitHandle(DevicePoint p, int32_t trackerMode, const CadWorld&
     return 0;
 }
 
-bool CObjShape::IntersectsRect(const DeviceRect& rect, const CadView&) const
+bool CObjShape::IntersectsRect(const DeviceRect& rect, const ShapeContext&) const
 {
     return !BoundsAsRect().Intersected(rect).IsEmpty();
 }
@@ -103,37 +103,37 @@ std::unique_ptr<CObjShape> CObjShape::Clone(int16_t withAttr) const
 
 void CObjShape::SetShapeType(uint8_t typeByte, int16_t method)
 {
-    typeFlags = typeByte;
+    TypeFlags = typeByte;
     SetSearchMethod(method);
 }
 
 void CObjShape::SetSearchMethod(int16_t method)
 {
-    typeFlags = method == 1 ? uint8_t((typeFlags & 63) | 128) : uint8_t(typeFlags % 64);
+    TypeFlags = method == 1 ? uint8_t((TypeFlags & 63) | 128) : uint8_t(TypeFlags % 64);
 }
 
 void CObjShape::StoreBounds(const DeviceRect& rect)
 {
     DeviceRect r = OrderedRect(rect);
-    bounds = {int16_t(r.left), int16_t(r.top), int16_t(r.right), int16_t(r.bottom)};
-    if (bounds.left == bounds.right) bounds.right = int16_t(bounds.left + 1);
-    if (bounds.top == bounds.bottom) bounds.bottom = int16_t(bounds.top + 1);
+    Bounds = {int16_t(r.left), int16_t(r.top), int16_t(r.right), int16_t(r.bottom)};
+    if (Bounds.left == Bounds.right) Bounds.right = int16_t(Bounds.left + 1);
+    if (Bounds.top == Bounds.bottom) Bounds.bottom = int16_t(Bounds.top + 1);
 }
 
 void CObjShape::CopyBaseTo(CObjShape& target) const
 {
-    target.typeFlags = typeFlags;
-    target.notes = notes;
-    target.bounds = bounds;
-    target.layer = layer;
-    target.number = -1;
-    target.group = -1;
-    target.attr.reset();
+    target.TypeFlags = TypeFlags;
+    target.Notes = Notes;
+    target.Bounds = Bounds;
+    target.Layer = Layer;
+    target.Number = -1;
+    target.Group = -1;
+    target.Attr.reset();
 }
 
 void CObjShape::CopyAttrIf(const CObjShape& from, CObjShape& to, int16_t withAttr)
 {
-    if (withAttr == 1 && from.attr) to.attr = std::make_unique<ShapeAttr>(*from.attr);
+    if (withAttr == 1 && from.Attr) to.Attr = std::make_unique<ShapeAttr>(*from.Attr);
 }
 
 void ApplyMatrix(const Matrix3& matrix, WorldPoint& point) { point = matrix.Apply(point); }

@@ -5,7 +5,7 @@
 
 #include "ShapeAttr.h"
 #include "ShapeTypes.h"
-#include "WorldGeometry.h"
+#include "world/WorldGeometry.h"
 
 #include <cstdint>
 #include <memory>
@@ -15,9 +15,10 @@
 namespace bvx {
 
 class CadLayer;
-class CadView;
+class ShapeContext;
 class CadWorld;
 class DeviceContext;
+class ShapeContext;
 
 // Device bounds as the file and the rejection tests keep them: 16 bits each.
 struct ShortRect {
@@ -34,54 +35,54 @@ public:
     CObjShape(const CObjShape&) = delete;
     CObjShape& operator=(const CObjShape&) = delete;
 
-    int32_t number = -1;
-    std::u16string notes;
-    ShortRect bounds;
-    std::unique_ptr<ShapeAttr> attr; // null: the layer's (or group's) colours
-    uint8_t typeFlags = 0;
-    uint8_t selected = 0;
-    int16_t layer = -1;
-    int32_t group = -1;
+    int32_t Number = -1;
+    std::u16string Notes;
+    ShortRect Bounds;
+    std::unique_ptr<ShapeAttr> Attr; // null: the layer's (or group's) colours
+    uint8_t TypeFlags = 0;
+    bool Selected = false;
+    int16_t Layer = -1;
+    int32_t Group = -1;
 
     // Handles and points.
     virtual int32_t GetHandleCount() const { return 8; }
-    virtual WorldPoint GetHandlePoint(int32_t handle, const CadWorld& world) const;
+    virtual WorldPoint GetHandlePoint(int32_t handle, const ShapeContext& view) const;
     // `pointers` is indexed by pointer role; a short table gives the role.
     virtual int16_t GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const;
-    virtual WorldPoint GetPoint(int16_t index, const CadView& view) const;
+    virtual WorldPoint GetPoint(int16_t index, const ShapeContext& view) const;
     virtual int16_t GetPointCount() const { return -1; }
     virtual int16_t GetPointKind(int16_t index) const;
     virtual int16_t HandleToPoint(int32_t handle) const;
     // A null view skips the bounds update.
-    virtual bool SetPoint(int16_t index, double x, double y, CadView* view);
+    virtual bool SetPoint(int16_t index, double x, double y, ShapeContext* view);
 
     // Geometry.
-    virtual void Transform(const Matrix3& matrix, CadView& view);
+    virtual void Transform(const Matrix3& matrix, ShapeContext& view);
     virtual double GetArea() const { return 0.0; }
-    virtual void Move(const WorldPoint& delta, CadView& view);
-    virtual void MoveHandle(int32_t handle, WorldPoint point, CadView& view);
-    virtual void UpdateBounds(const CadWorld& world);
-    virtual WorldRect GetWorldBounds(const CadWorld& world) const;
-    virtual bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, CadView* view) const;
+    virtual void Move(const WorldPoint& delta, ShapeContext& view);
+    virtual void MoveHandle(int32_t handle, WorldPoint point, ShapeContext& view);
+    virtual void UpdateBounds(const ShapeContext& view);
+    virtual WorldRect GetWorldBounds(const ShapeContext& view) const;
+    virtual bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const;
 
     // Painting with what the caller selected into the device.
-    virtual void Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, int32_t mode);
-    virtual void DrawHandles(DeviceContext& dc, uint32_t rop, CadView& view);
+    virtual void Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view, int32_t mode);
+    virtual void DrawHandles(DeviceContext& dc, uint32_t rop, ShapeContext& view);
 
     // Hit tests in device pixels. A group answers with the member's number.
-    virtual int32_t HitTest(DevicePoint point, CadView& view);
-    virtual int32_t HandleFromPoint(DevicePoint point, CadView& view) const;
-    virtual int16_t NearestPoint(DevicePoint point, CadView& view) const;
-    int32_t HitHandle(DevicePoint point, int32_t trackerMode, const CadWorld& world) const;
-    bool IntersectsRect(const DeviceRect& rect, const CadView& view) const;
+    virtual int32_t HitTest(DevicePoint point, ShapeContext& view);
+    virtual int32_t HandleFromPoint(DevicePoint point, ShapeContext& view) const;
+    virtual int16_t NearestPoint(DevicePoint point, ShapeContext& view) const;
+    int32_t HitHandle(DevicePoint point, int32_t trackerMode, const ShapeContext& view) const;
+    bool IntersectsRect(const DeviceRect& rect, const ShapeContext& view) const;
 
     virtual std::unique_ptr<CObjShape> Clone(int16_t withAttr) const;
 
     // Type and search method share one byte: five bits of type, the method
     // in bit 7 (bit 6 also reads as set, as old files may hold it).
     void SetShapeType(uint8_t typeByte, int16_t method);
-    int16_t GetShapeType() const { return typeFlags & 31; }
-    int16_t GetSearchMethod() const { return typeFlags > 63 ? 1 : 0; }
+    int16_t GetShapeType() const { return TypeFlags & 31; }
+    int16_t GetSearchMethod() const { return TypeFlags > 63 ? 1 : 0; }
     virtual void SetSearchMethod(int16_t method);
 
     // The member list of a group; null for every other shape.
@@ -90,11 +91,11 @@ public:
 
     // Helpers shared by all classes.
     void StoreBounds(const DeviceRect& rect);
-    DeviceRect BoundsAsRect() const { return {bounds.left, bounds.top, bounds.right, bounds.bottom}; }
-    void SetAttr(std::unique_ptr<ShapeAttr> record) { attr = std::move(record); }
+    DeviceRect BoundsAsRect() const { return {Bounds.left, Bounds.top, Bounds.right, Bounds.bottom}; }
+    void SetAttr(std::unique_ptr<ShapeAttr> record) { Attr = std::move(record); }
     void CopyBaseTo(CObjShape& target) const;
     // The 6 by 6 device box a handle is drawn in and hit by.
-    DeviceRect HandleBox(int32_t handle, const CadWorld& world) const;
+    DeviceRect HandleBox(int32_t handle, const ShapeContext& view) const;
 
 protected:
     static void CopyAttrIf(const CObjShape& from, CObjShape& to, int16_t withAttr);

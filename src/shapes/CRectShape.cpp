@@ -1,9 +1,9 @@
 #include "CRectShape.h"
 
 #include "CEllipseShape.h"
-#include "buffer/CadWorld.h"
-#include "buffer/Rounding.h"
-#include "control/CadView.h"
+#include "world/CadWorld.h"
+#include "world/Rounding.h"
+#include "ShapeContext.h"
 #include "platform/DeviceContext.h"
 #include "platform/Region.h"
 
@@ -39,7 +39,7 @@ int32_t Plus(int32_t v, int32_t d) { return WrapToInt32(double(v) + d); }
 
 } // namespace
 
-CRectShape::CRectShape(const WorldPoint& start) : p1(start), p2(start)
+CRectShape::CRectShape(const WorldPoint& start) : P1(start), P2(start)
 {
     SetShapeType(bvxRectangle, 0);
 }
@@ -53,7 +53,7 @@ void CRectShape::NormalizeCorners(WorldPoint& a, WorldPoint& b)
 void CRectShape::SetLineType(int32_t v)
 {
     if (!IsLine()) return;
-    lineType = (v >= -1 && v <= 3) ? int16_t(v) : int16_t(-1);
+    LineType = (v >= -1 && v <= 3) ? int16_t(v) : int16_t(-1);
 }
 
 int32_t CRectShape::GetHandleCount() const
@@ -63,24 +63,24 @@ int32_t CRectShape::GetHandleCount() const
     return type == bvxRoundRectangle || type == bvx2PointEllipse ? 9 : 8;
 }
 
-WorldPoint CRectShape::GetHandlePoint(int32_t handle, const CadWorld& world) const
+WorldPoint CRectShape::GetHandlePoint(int32_t handle, const ShapeContext& view) const
 {
-    double midX = Mid(p1.x, p2.x), midY = Mid(p1.y, p2.y);
+    double midX = Mid(P1.x, P2.x), midY = Mid(P1.y, P2.y);
     switch (CanonicalHandle(handle)) {
-    case 1: return p1;
-    case 2: return {midX, p1.y};
-    case 3: return {p2.x, p1.y};
-    case 4: return {p2.x, midY};
-    case 5: return p2;
-    case 6: return {midX, p2.y};
-    case 7: return {p1.x, p2.y};
-    case 8: return {p1.x, midY};
+    case 1: return P1;
+    case 2: return {midX, P1.y};
+    case 3: return {P2.x, P1.y};
+    case 4: return {P2.x, midY};
+    case 5: return P2;
+    case 6: return {midX, P2.y};
+    case 7: return {P1.x, P2.y};
+    case 8: return {P1.x, midY};
     case 9:
         if (GetShapeType() == bvxRoundRectangle) {
             // On the inner corner of the rounding.
-            WorldPoint a = p1, b = p2;
+            WorldPoint a = P1, b = P2;
             NormalizeCorners(a, b);
-            return {b.x - radius.x * 0.5, b.y - world.SignY * radius.y * 0.5};
+            return {b.x - Radius.x * 0.5, b.y - view.World.SignY * Radius.y * 0.5};
         }
         return {midX, midY};
     default: return {};
@@ -95,11 +95,11 @@ int16_t CRectShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t h
     return CObjShape::GetHandleCursor(pointers, handle);
 }
 
-WorldPoint CRectShape::GetPoint(int16_t index, const CadView&) const
+WorldPoint CRectShape::GetPoint(int16_t index, const ShapeContext&) const
 {
-    if (index == 0) return p1;
-    if (index == 1) return p2;
-    if (index == 2 && GetShapeType() == bvxRoundRectangle) return radius;
+    if (index == 0) return P1;
+    if (index == 1) return P2;
+    if (index == 2 && GetShapeType() == bvxRoundRectangle) return Radius;
     return {};
 }
 
@@ -114,30 +114,30 @@ int16_t CRectShape::HandleToPoint(int32_t handle) const
     return -1;
 }
 
-bool CRectShape::SetPoint(int16_t index, double x, double y, CadView* view)
+bool CRectShape::SetPoint(int16_t index, double x, double y, ShapeContext* view)
 {
     if (index == 0)
-        p1 = {x, y};
+        P1 = {x, y};
     else if (index == 1)
-        p2 = {x, y};
+        P2 = {x, y};
     else if (index == 2)
-        radius = {x, y};
+        Radius = {x, y};
     else
         return false;
-    if (view) UpdateBounds(view->World);
+    if (view) UpdateBounds(*view);
     return true;
 }
 
-void CRectShape::Transform(const Matrix3& matrix, CadView& view)
+void CRectShape::Transform(const Matrix3& matrix, ShapeContext& view)
 {
-    ApplyMatrix(matrix, p1);
-    ApplyMatrix(matrix, p2);
-    UpdateBounds(view.World);
+    ApplyMatrix(matrix, P1);
+    ApplyMatrix(matrix, P2);
+    UpdateBounds(view);
 }
 
 double CRectShape::GetArea() const
 {
-    double dx = p2.x - p1.x, dy = p2.y - p1.y;
+    double dx = P2.x - P1.x, dy = P2.y - P1.y;
     switch (GetShapeType()) {
     case bvxRectangle: return std::fabs(dx) * std::fabs(dy);
     case bvx2PointEllipse: return (std::fabs(dx) * 0.5) * (std::fabs(dy) * 0.5) * 3.141592653589793;
@@ -145,20 +145,20 @@ double CRectShape::GetArea() const
     }
 }
 
-void CRectShape::Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, int32_t)
+void CRectShape::Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view, int32_t)
 {
     const CadWorld& world = view.World;
     int16_t type = GetShapeType();
     DevicePoint corners[4];
     size_t count = 2;
     if (type == bvxLine) {
-        corners[0] = world.WorldToDevice(p1);
-        corners[1] = world.WorldToDevice(p2);
+        corners[0] = world.WorldToDevice(P1);
+        corners[1] = world.WorldToDevice(P2);
     } else {
-        corners[0] = world.WorldToDevice(p1);
-        corners[1] = world.WorldToDevice({p1.x, p2.y});
-        corners[2] = world.WorldToDevice(p2);
-        corners[3] = world.WorldToDevice({p2.x, p1.y});
+        corners[0] = world.WorldToDevice(P1);
+        corners[1] = world.WorldToDevice({P1.x, P2.y});
+        corners[2] = world.WorldToDevice(P2);
+        corners[3] = world.WorldToDevice({P2.x, P1.y});
         count = 4;
     }
     std::span<const DevicePoint> points(corners, count);
@@ -173,7 +173,7 @@ void CRectShape::Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, 
     switch (type) {
     case bvxRectangle: dc.Polygon(points); break;
     case bvxRoundRectangle: {
-        DevicePoint corner = world.WorldSizeToDevice(radius);
+        DevicePoint corner = world.WorldSizeToDevice(Radius);
         dc.RoundRect(r.left, r.top, r.right, r.bottom, corner.x, corner.y);
         break;
     }
@@ -186,13 +186,10 @@ void CRectShape::Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, 
     }
 }
 
-void CRectShape::DrawArrowHeads(DeviceContext& dc, DevicePoint a, DevicePoint b, const CadView& view) const
+void CRectShape::DrawArrowHeads(DeviceContext& dc, DevicePoint a, DevicePoint b, const ShapeContext& view) const
 {
-    int32_t flags = lineType;
-    if (flags == -1) {
-        const CadLayer* owner = view.Buf.Layer(layer);
-        flags = owner ? owner->LineType : 0;
-    }
+    int32_t flags = LineType;
+    if (flags == -1) flags = view.LayerLineType(Layer);
     if (!(flags & 3)) return;
     int32_t tenths = AngleTenths(WrapToInt32(double(b.x) - a.x), WrapToInt32(double(a.y) - b.y));
     DevicePoint atA[3] = {a, {Plus(a.x, kArrowLength), Plus(a.y, -kArrowHalfWidth)},
@@ -207,16 +204,16 @@ void CRectShape::DrawArrowHeads(DeviceContext& dc, DevicePoint a, DevicePoint b,
     if (flags & 2) dc.Polygon(atB);
 }
 
-void CRectShape::Move(const WorldPoint& delta, CadView& view)
+void CRectShape::Move(const WorldPoint& delta, ShapeContext& view)
 {
     if (delta.x == 0 && delta.y == 0) return;
     view.InvalidateShape(this, false);
-    p1 = {p1.x + delta.x, p1.y + delta.y};
-    p2 = {p2.x + delta.x, p2.y + delta.y};
-    UpdateBounds(view.World);
+    P1 = {P1.x + delta.x, P1.y + delta.y};
+    P2 = {P2.x + delta.x, P2.y + delta.y};
+    UpdateBounds(view);
 }
 
-int32_t CRectShape::HitTest(DevicePoint point, CadView& view)
+int32_t CRectShape::HitTest(DevicePoint point, ShapeContext& view)
 {
     const int16_t method = GetSearchMethod();
     DeviceRect r = OrderedRect(BoundsAsRect());
@@ -229,14 +226,14 @@ int32_t CRectShape::HitTest(DevicePoint point, CadView& view)
     case bvxRectangle: return method == kSearchInShape ? 1 : !PtInRect(inner, point);
     case bvxRoundRectangle: {
         // The rounding goes through the position conversion, origin and all.
-        DevicePoint corner = view.World.WorldToDevice(radius);
+        DevicePoint corner = view.World.WorldToDevice(Radius);
         if (method == kSearchInShape)
             return CreateRoundRectRgn(r.left, r.top, r.right, r.bottom, corner.x, corner.y).PtInRegion(point.x, point.y);
         return !CreateRoundRectRgn(inner.left, inner.top, inner.right, inner.bottom, corner.x, corner.y)
                     .PtInRegion(point.x, point.y);
     }
     case bvxLine:
-        return HitSegment(view.World.WorldToDevice(p1), view.World.WorldToDevice(p2), point, method);
+        return HitSegment(view.World.WorldToDevice(P1), view.World.WorldToDevice(P2), point, method);
     case bvx2PointEllipse: {
         bool inside = CreateEllipticRgn(r.left, r.top, r.right, r.bottom).PtInRegion(point.x, point.y);
         if (method == kSearchInShape || !inside) return inside;
@@ -246,50 +243,50 @@ int32_t CRectShape::HitTest(DevicePoint point, CadView& view)
     }
 }
 
-void CRectShape::MoveHandle(int32_t handle, WorldPoint point, CadView& view)
+void CRectShape::MoveHandle(int32_t handle, WorldPoint point, ShapeContext& view)
 {
     view.InvalidateShape(this, false);
     handle = CanonicalHandle(handle);
     const int16_t type = GetShapeType();
     if (view.ViewDrawOrthogonal && type == bvxLine) {
-        const WorldPoint& anchor = handle == 1 ? p2 : p1;
+        const WorldPoint& anchor = handle == 1 ? P2 : P1;
         if (std::fabs(point.y - anchor.y) < std::fabs(point.x - anchor.x))
             point.y = anchor.y;
         else
             point.x = anchor.x;
     }
     switch (handle) {
-    case 2: p1.y = point.y; break;
-    case 3: p2.x = point.x; p1.y = point.y; break;
-    case 4: p2.x = point.x; break;
-    case 5: p2 = point; break;
-    case 6: p2.y = point.y; break;
-    case 7: p1.x = point.x; p2.y = point.y; break;
-    case 8: p1.x = point.x; break;
+    case 2: P1.y = point.y; break;
+    case 3: P2.x = point.x; P1.y = point.y; break;
+    case 4: P2.x = point.x; break;
+    case 5: P2 = point; break;
+    case 6: P2.y = point.y; break;
+    case 7: P1.x = point.x; P2.y = point.y; break;
+    case 8: P1.x = point.x; break;
     case 9:
         if (type == bvxRoundRectangle) {
             // The rounding reaches half the shape and stops there.
-            WorldPoint a = p1, b = p2;
+            WorldPoint a = P1, b = P2;
             NormalizeCorners(a, b);
             point.x = std::clamp(point.x, Mid(a.x, b.x), b.x);
             point.y = std::clamp(point.y, Mid(a.y, b.y), b.y);
-            radius.x = (b.x - point.x) * 2.0;
-            radius.y = (b.y - point.y) * view.World.SignY * 2.0;
+            Radius.x = (b.x - point.x) * 2.0;
+            Radius.y = (b.y - point.y) * view.World.SignY * 2.0;
         } else if (type == bvx2PointEllipse) {
             // Here the point is a delta: the ellipse grows about its centre.
-            p1.x -= point.x;
-            p1.y += point.y;
-            p2.x += point.x;
-            p2.y -= point.y;
+            P1.x -= point.x;
+            P1.y += point.y;
+            P2.x += point.x;
+            P2.y -= point.y;
         }
         break;
-    default: p1 = point; break;
+    default: P1 = point; break;
     }
-    UpdateBounds(view.World);
-    view.ReadoutDistance = Distance(p1, p2);
+    UpdateBounds(view);
+    view.ReadoutDistance = Distance(P1, P2);
     if (handle == 1 || handle == 5) {
-        const WorldPoint& fixed = handle == 1 ? p2 : p1;
-        const WorldPoint& moved = handle == 1 ? p1 : p2;
+        const WorldPoint& fixed = handle == 1 ? P2 : P1;
+        const WorldPoint& moved = handle == 1 ? P1 : P2;
         view.ReadoutAngle = AngleReadout(view.World, WorldAngle(view.World, fixed, moved), fixed, moved);
     }
 }
@@ -298,10 +295,10 @@ std::unique_ptr<CObjShape> CRectShape::Clone(int16_t withAttr) const
 {
     auto copy = std::make_unique<CRectShape>();
     CopyBaseTo(*copy);
-    copy->p1 = p1;
-    copy->p2 = p2;
-    copy->radius = radius;
-    copy->lineType = lineType;
+    copy->P1 = P1;
+    copy->P2 = P2;
+    copy->Radius = Radius;
+    copy->LineType = LineType;
     CopyAttrIf(*this, *copy, withAttr);
     return copy;
 }
@@ -318,9 +315,9 @@ int32_t HandleGridSum(DeviceRect corners, DevicePoint point)
     return column + row;
 }
 
-int32_t CRectShape::HandleFromPoint(DevicePoint point, CadView& view) const
+int32_t CRectShape::HandleFromPoint(DevicePoint point, ShapeContext& view) const
 {
-    DevicePoint a = view.World.WorldToDevice(p1), b = view.World.WorldToDevice(p2);
+    DevicePoint a = view.World.WorldToDevice(P1), b = view.World.WorldToDevice(P2);
     DeviceRect corners{a.x, a.y, b.x, b.y};
     if (IsLine()) {
         DeviceRect r = OrderedRect(corners);
@@ -338,17 +335,20 @@ int32_t CRectShape::HandleFromPoint(DevicePoint point, CadView& view) const
     return kHandleOfSum[HandleGridSum(corners, point)];
 }
 
-int16_t CRectShape::NearestPoint(DevicePoint point, CadView& view) const
+int16_t CRectShape::NearestPoint(DevicePoint point, ShapeContext& view) const
 {
     WorldPoint q = view.World.DeviceToWorld(point);
-    return Distance(p2, q) < Distance(p1, q) ? 1 : 0;
+    return Distance(P2, q) < Distance(P1, q) ? 1 : 0;
 }
 
-void CRectShape::UpdateBounds(const CadWorld& world) { StoreBounds(OrderedRect(world.WorldRectToDevice(p1, p2))); }
+void CRectShape::UpdateBounds(const ShapeContext& view)
+{
+    StoreBounds(OrderedRect(view.World.WorldRectToDevice(P1, P2)));
+}
 
-WorldRect CRectShape::GetWorldBounds(const CadWorld&) const { return {p1.x, p1.y, p2.x, p2.y}; }
+WorldRect CRectShape::GetWorldBounds(const ShapeContext&) const { return {P1.x, P1.y, P2.x, P2.y}; }
 
-bool CRectShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, CadView* view) const
+bool CRectShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const
 {
     (void)mode;
     (void)value;
@@ -362,8 +362,8 @@ bool CRectShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double
         double h = (b - a) * 0.5;
         return std::fabs(h) <= kTiny ? 0.0 : h;
     };
-    WorldPoint centre{p1.x + half(p1.x, p2.x), p1.y + half(p1.y, p2.y)};
-    double rx = std::fabs(p2.x - centre.x), ry = std::fabs(p2.y - centre.y);
+    WorldPoint centre{P1.x + half(P1.x, P2.x), P1.y + half(P1.y, P2.y)};
+    double rx = std::fabs(P2.x - centre.x), ry = std::fabs(P2.y - centre.y);
     if (!(rx > kTiny && ry > kTiny)) return false;
     ellipse->SetPoint(0, centre.x, centre.y, nullptr);
     ellipse->SetPoint(1, rx, ry, nullptr);

@@ -12,40 +12,40 @@ public:
     // The tool's constructor: both corners at the press.
     explicit CRectShape(const WorldPoint& start);
 
-    WorldPoint p1{};
-    WorldPoint p2{};
-    WorldPoint radius{};      // corner rounding of type 2, world units
-    int16_t lineType = -1;    // arrow heads of a line; -1 follows the layer
+    WorldPoint P1{};
+    WorldPoint P2{};
+    WorldPoint Radius{};      // corner rounding of type 2, world units
+    int16_t LineType = -1;    // arrow heads of a line; -1 follows the layer
 
     static void NormalizeCorners(WorldPoint& a, WorldPoint& b);
-    int16_t GetLineType() const { return GetShapeType() == bvxLine ? lineType : 0; }
+    int16_t GetLineType() const { return GetShapeType() == bvxLine ? LineType : 0; }
     void SetLineType(int32_t v);
 
     int32_t GetHandleCount() const override;
-    WorldPoint GetHandlePoint(int32_t handle, const CadWorld& world) const override;
+    WorldPoint GetHandlePoint(int32_t handle, const ShapeContext& view) const override;
     int16_t GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const override;
-    WorldPoint GetPoint(int16_t index, const CadView& view) const override;
+    WorldPoint GetPoint(int16_t index, const ShapeContext& view) const override;
     int16_t GetPointCount() const override;
     int16_t HandleToPoint(int32_t handle) const override;
-    bool SetPoint(int16_t index, double x, double y, CadView* view) override;
-    void Transform(const Matrix3& matrix, CadView& view) override;
+    bool SetPoint(int16_t index, double x, double y, ShapeContext* view) override;
+    void Transform(const Matrix3& matrix, ShapeContext& view) override;
     double GetArea() const override;
-    void Draw(DeviceContext& dc, const DeviceRect& clip, CadView& view, int32_t mode) override;
-    void Move(const WorldPoint& delta, CadView& view) override;
-    int32_t HitTest(DevicePoint point, CadView& view) override;
-    void MoveHandle(int32_t handle, WorldPoint point, CadView& view) override;
+    void Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view, int32_t mode) override;
+    void Move(const WorldPoint& delta, ShapeContext& view) override;
+    int32_t HitTest(DevicePoint point, ShapeContext& view) override;
+    void MoveHandle(int32_t handle, WorldPoint point, ShapeContext& view) override;
     std::unique_ptr<CObjShape> Clone(int16_t withAttr) const override;
-    int32_t HandleFromPoint(DevicePoint point, CadView& view) const override;
-    int16_t NearestPoint(DevicePoint point, CadView& view) const override;
-    void UpdateBounds(const CadWorld& world) override;
-    WorldRect GetWorldBounds(const CadWorld& world) const override;
-    bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, CadView* view) const override;
+    int32_t HandleFromPoint(DevicePoint point, ShapeContext& view) const override;
+    int16_t NearestPoint(DevicePoint point, ShapeContext& view) const override;
+    void UpdateBounds(const ShapeContext& view) override;
+    WorldRect GetWorldBounds(const ShapeContext& view) const override;
+    bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const override;
 
 private:
     bool IsLine() const { return GetShapeType() == bvxLine; }
     // A line's second handle is handle 5 of the other types.
     int32_t CanonicalHandle(int32_t handle) const { return IsLine() && handle == 2 ? 5 : handle; }
-    void DrawArrowHeads(DeviceContext& dc, DevicePoint a, DevicePoint b, const CadView& view) const;
+    void DrawArrowHeads(DeviceContext& dc, DevicePoint a, DevicePoint b, const ShapeContext& view) const;
 };
 
 // Which handle a press on a shape's body takes, from where in the device

@@ -9,7 +9,7 @@ using Buf = ViewFixture;
 std::vector<int32_t> Numbers(const CadLayer& layer)
 {
     std::vector<int32_t> n;
-    for (const auto& s : layer.Shapes) n.push_back(s->number);
+    for (const auto& s : layer.Shapes) n.push_back(s->Number);
     return n;
 }
 
@@ -22,7 +22,7 @@ TEST_F(Buf, NewDrawingHasTwoLayersAndNumbersFromOne)
     EXPECT_EQ(view.Buf.CurrentLayer, view.Buf.Layers[1].get());
     auto* first = AddRect(0, 0, 10, 10);
     ASSERT_TRUE(first);
-    EXPECT_EQ(first->number, 1);
+    EXPECT_EQ(first->Number, 1);
     EXPECT_EQ(sink.events.back(), "ShapeNumberAdded 1 1");
 }
 
@@ -32,12 +32,12 @@ TEST_F(Buf, NumbersAreNeverReused)
     ASSERT_TRUE(view.DeleteShape(view.Buf.FindShape(5), true));
     EXPECT_EQ(view.Buf.FindShape(5), nullptr);
     EXPECT_EQ(sink.events.back(), "ShapeNumberDeleted 5");
-    EXPECT_EQ(AddRect(1, 1, 2, 2)->number, 6);
+    EXPECT_EQ(AddRect(1, 1, 2, 2)->Number, 6);
     // Clearing one layer keeps the counter; clearing all resets it.
     view.Buf.ClearLayer(1);
-    EXPECT_EQ(AddRect(1, 1, 2, 2)->number, 7);
+    EXPECT_EQ(AddRect(1, 1, 2, 2)->Number, 7);
     view.Buf.ClearLayer(-1);
-    EXPECT_EQ(AddRect(1, 1, 2, 2)->number, 1);
+    EXPECT_EQ(AddRect(1, 1, 2, 2)->Number, 1);
 }
 
 TEST_F(Buf, LayersAddRemoveAndFind)
@@ -69,7 +69,7 @@ TEST_F(Buf, RemovingALayerForgetsItsShapesAndKeepsOthersReachable)
     view.Buf.AddLayer(u"Three");
     auto* onTwo = AddRect(0, 0, 5, 5, 2);
     auto* onThree = AddRect(0, 0, 5, 5, 3);
-    int32_t n3 = onThree->number;
+    int32_t n3 = onThree->Number;
     view.Buf.Select(onTwo);
     ASSERT_TRUE(view.Buf.RemoveLayer(2, view));
     EXPECT_EQ(view.Buf.FindShape(1), nullptr);
@@ -77,7 +77,7 @@ TEST_F(Buf, RemovingALayerForgetsItsShapesAndKeepsOthersReachable)
     // The shape above keeps its old layer number, but stays reachable.
     CObjShape* kept = view.Buf.FindShape(n3);
     ASSERT_TRUE(kept);
-    EXPECT_EQ(kept->layer, 3);
+    EXPECT_EQ(kept->Layer, 3);
     EXPECT_EQ(view.Buf.GetZOrder(kept), 0);
     EXPECT_TRUE(view.DeleteShape(kept, true));
 }
@@ -101,7 +101,7 @@ TEST_F(Buf, CopyLayerClonesShapesAndTakesTheSourceName)
     EXPECT_EQ(copy.GetSearchMethod(14), 0); // 14, 15 and 19 are not copied
     EXPECT_EQ(copy.LineType, 2);
     EXPECT_EQ(copy.Action, LayerActions::All); // Action is not copied
-    EXPECT_EQ(copy.Shapes[0]->layer, 2);
+    EXPECT_EQ(copy.Shapes[0]->Layer, 2);
     // Copying onto an existing layer empties it first.
     ASSERT_TRUE(view.Buf.CopyLayer(1, 2, false, view));
     EXPECT_EQ(Numbers(*view.Buf.Layers[2]), (std::vector<int32_t>{5, 6}));
@@ -144,10 +144,10 @@ TEST_F(Buf, SelectionRules)
     EXPECT_TRUE(view.Buf.Deselect(a));
     EXPECT_EQ(view.Buf.FocusShape, nullptr);
     EXPECT_EQ(view.Buf.FocusPoint, -1);
-    EXPECT_EQ(a->selected, 0);
+    EXPECT_EQ(a->Selected, 0);
     EXPECT_FALSE(view.Buf.Deselect(a));
     EXPECT_TRUE(view.Buf.Deselect(nullptr));
-    EXPECT_EQ(b->selected, 0);
+    EXPECT_EQ(b->Selected, 0);
     EXPECT_FALSE(view.Buf.Deselect(nullptr));
 }
 
@@ -162,9 +162,9 @@ TEST_F(Buf, SelectInRectSkipsLayersWithoutFindButNotWithoutShow)
     view.Buf.Layers[3]->SetAction(LayerActions::Show);
     sink.events.clear();
     view.Buf.SelectInRect({0, 0, 101, 101}, false, view);
-    EXPECT_TRUE(shown->selected);
-    EXPECT_TRUE(hidden->selected);
-    EXPECT_FALSE(locked->selected);
+    EXPECT_TRUE(shown->Selected);
+    EXPECT_TRUE(hidden->Selected);
+    EXPECT_FALSE(locked->Selected);
     EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberSelected 1 1", "ShapeNumberSelected 1 2"}));
 }
 
@@ -213,7 +213,7 @@ TEST_F(Buf, ClearAllEmptiesEverythingUntilReset)
     EXPECT_EQ(view.CreateShape(bvxRectangle, 1), nullptr);
     view.Buf.Reset();
     EXPECT_EQ(view.Buf.Layers.size(), 2u);
-    EXPECT_EQ(AddRect(0, 0, 1, 1)->number, 1);
+    EXPECT_EQ(AddRect(0, 0, 1, 1)->Number, 1);
 }
 
 TEST_F(Buf, SearchMethodTableRefusesTypesWithoutAnInside)

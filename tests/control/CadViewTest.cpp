@@ -13,7 +13,7 @@ TEST(CadViewHeadless, RunsWithoutWindowOrSink)
     EXPECT_EQ(view.ViewReady, 0);
     auto* shape = view.CreateShape(bvxRectangle, 1);
     ASSERT_TRUE(shape);
-    EXPECT_EQ(shape->number, 1);
+    EXPECT_EQ(shape->Number, 1);
     view.Redraw(0); // ignored without a window
     EXPECT_EQ(view.RebuildBackBuffer, 1);
     view.Buf.Select(shape);
@@ -141,15 +141,15 @@ TEST_F(View, EffectiveAttributesWalkShapeThenLayer)
     view.Buf.Layers[1]->Attr->SetPenColor(5);
     EXPECT_EQ(view.EffectiveAttr(*r).PenColor(), 5u);
     r->SetAttr(std::make_unique<ShapeAttr>(ShapeAttr::Default()));
-    r->attr->SetPenColor(9);
+    r->Attr->SetPenColor(9);
     EXPECT_EQ(view.EffectiveAttr(*r).PenColor(), 9u);
     // A shape not yet numbered wears the current layer's colours.
     CRectShape unnumbered;
     EXPECT_EQ(view.EffectiveAttr(unnumbered).PenColor(), 5u);
     // Clones take their record only when asked.
-    EXPECT_FALSE(r->Clone(0)->attr);
-    EXPECT_EQ(r->Clone(1)->attr->PenColor(), 9u);
-    EXPECT_EQ(r->Clone(1)->number, -1);
+    EXPECT_FALSE(r->Clone(0)->Attr);
+    EXPECT_EQ(r->Clone(1)->Attr->PenColor(), 9u);
+    EXPECT_EQ(r->Clone(1)->Number, -1);
 }
 
 TEST_F(View, TextCaretFollowsTheTracker)

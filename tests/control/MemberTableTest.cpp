@@ -88,13 +88,13 @@ std::string Fingerprint(CadControl& control)
             << (layer->Attr ? layer->Attr->Word0() : 0) << ':' << (layer->Attr ? layer->Attr->Word1() : 0) << '[';
         for (const auto& s : layer->Shapes) {
             WorldPoint p0 = s->GetPoint(0, v), p1 = s->GetPoint(1, v);
-            out << s->number << '/' << s->GetShapeType() << '/' << p0.x << ',' << p0.y << ',' << p1.x << ',' << p1.y
-                << '/' << (s->attr ? s->attr->Word0() : 0) << '/' << int(s->selected) << '/' << ToUtf8(s->notes)
+            out << s->Number << '/' << s->GetShapeType() << '/' << p0.x << ',' << p0.y << ',' << p1.x << ',' << p1.y
+                << '/' << (s->Attr ? s->Attr->Word0() : 0) << '/' << int(s->Selected) << '/' << ToUtf8(s->Notes)
                 << ';';
         }
         out << ']';
     }
-    for (const CObjShape* s : v.Buf.Selection) out << s->number << ',';
+    for (const CObjShape* s : v.Buf.Selection) out << s->Number << ',';
     return out.str();
 }
 

@@ -1,4 +1,4 @@
-#include "buffer/Rounding.h"
+#include "world/Rounding.h"
 #include "control/ViewFixture.h"
 #include "platform/raster/RasterDeviceContext.h"
 
@@ -25,7 +25,7 @@ TEST_F(Shapes, ZeroSizeShapesStillHaveOnePixelBounds)
 TEST_F(Shapes, BoundsWrapInSixteenBitsAndBadNumbersDoNotTrap)
 {
     auto* huge = AddRect(0, 0, 40000, 10);
-    EXPECT_LT(huge->bounds.right, 0); // 40000 wraps in 16 bits
+    EXPECT_LT(huge->Bounds.right, 0); // 40000 wraps in 16 bits
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
     auto* bad = AddRect(nan, inf, -inf, 1e300);
@@ -36,7 +36,7 @@ TEST_F(Shapes, BoundsWrapInSixteenBitsAndBadNumbersDoNotTrap)
         s->Draw(dc, {0, 0, 101, 101}, view, 0);
         (void)s->HitTest({5, 5}, view);
         (void)s->HandleFromPoint({5, 5}, view);
-        (void)s->HitHandle({5, 5}, 1, view.World);
+        (void)s->HitHandle({5, 5}, 1, view);
         s->MoveHandle(1, {nan, nan}, view);
         (void)s->GetArea();
     }
@@ -153,9 +153,9 @@ TEST_F(Shapes, RectangleHandlesAndPoints)
 {
     auto* r = AddRect(10, 20, 50, 80);
     EXPECT_EQ(r->GetHandleCount(), 8);
-    EXPECT_EQ(r->GetHandlePoint(2, view.World), (WorldPoint{30, 20}));
-    EXPECT_EQ(r->GetHandlePoint(4, view.World), (WorldPoint{50, 50}));
-    EXPECT_EQ(r->GetHandlePoint(7, view.World), (WorldPoint{10, 80}));
+    EXPECT_EQ(r->GetHandlePoint(2, view), (WorldPoint{30, 20}));
+    EXPECT_EQ(r->GetHandlePoint(4, view), (WorldPoint{50, 50}));
+    EXPECT_EQ(r->GetHandlePoint(7, view), (WorldPoint{10, 80}));
     EXPECT_EQ(r->HandleToPoint(5), 1);
     EXPECT_EQ(r->HandleToPoint(3), -1);
     EXPECT_EQ(r->GetPointCount(), 2);
@@ -163,7 +163,7 @@ TEST_F(Shapes, RectangleHandlesAndPoints)
 
     auto* line = AddRect(0, 0, 10, 10, 1, bvxLine);
     EXPECT_EQ(line->GetHandleCount(), 2);
-    EXPECT_EQ(line->GetHandlePoint(2, view.World), (WorldPoint{10, 10}));
+    EXPECT_EQ(line->GetHandlePoint(2, view), (WorldPoint{10, 10}));
     EXPECT_EQ(line->HandleToPoint(2), 1);
     EXPECT_EQ(line->GetPointCount(), 2);
 
@@ -195,23 +195,23 @@ TEST_F(Shapes, DraggingHandlesMovesTheirCoordinates)
 {
     auto* r = AddRect(10, 10, 50, 50);
     r->MoveHandle(3, {60, 5}, view);
-    EXPECT_EQ(r->p2.x, 60);
-    EXPECT_EQ(r->p1.y, 5);
+    EXPECT_EQ(r->P2.x, 60);
+    EXPECT_EQ(r->P1.y, 5);
     r->MoveHandle(5, {70, 70}, view);
-    EXPECT_DOUBLE_EQ(view.ReadoutDistance, Distance(r->p1, r->p2));
+    EXPECT_DOUBLE_EQ(view.ReadoutDistance, Distance(r->P1, r->P2));
     EXPECT_GT(view.ReadoutAngle, 0);
     r->MoveHandle(42, {1, 2}, view); // unknown handles move the first corner
-    EXPECT_EQ(r->p1, (WorldPoint{1, 2}));
+    EXPECT_EQ(r->P1, (WorldPoint{1, 2}));
 
     auto* round = AddRect(0, 0, 40, 20, 1, bvxRoundRectangle);
     round->MoveHandle(9, {-100, -100}, view); // past the middle: stops there
-    EXPECT_DOUBLE_EQ(round->radius.x, 40);
-    EXPECT_DOUBLE_EQ(round->radius.y, -20); // the y sign of the world
+    EXPECT_DOUBLE_EQ(round->Radius.x, 40);
+    EXPECT_DOUBLE_EQ(round->Radius.y, -20); // the y sign of the world
 
     auto* twoPoint = AddRect(10, 10, 30, 20, 1, bvx2PointEllipse);
     twoPoint->MoveHandle(9, {2, 3}, view);
-    EXPECT_EQ(twoPoint->p1, (WorldPoint{8, 13}));
-    EXPECT_EQ(twoPoint->p2, (WorldPoint{32, 17}));
+    EXPECT_EQ(twoPoint->P1, (WorldPoint{8, 13}));
+    EXPECT_EQ(twoPoint->P2, (WorldPoint{32, 17}));
 }
 
 TEST_F(Shapes, OrthogonalDrawingSnapsLinesToAnAxis)
@@ -219,9 +219,9 @@ TEST_F(Shapes, OrthogonalDrawingSnapsLinesToAnAxis)
     view.ViewDrawOrthogonal = 1;
     auto* line = AddRect(10, 10, 10, 10, 1, bvxLine);
     line->MoveHandle(2, {40, 14}, view);
-    EXPECT_EQ(line->p2, (WorldPoint{40, 10}));
+    EXPECT_EQ(line->P2, (WorldPoint{40, 10}));
     line->MoveHandle(5, {12, 40}, view);
-    EXPECT_EQ(line->p2, (WorldPoint{10, 40}));
+    EXPECT_EQ(line->P2, (WorldPoint{10, 40}));
     view.World.SetAngleMode(1);
     line->MoveHandle(5, {10, 60}, view);
     EXPECT_EQ(view.ReadoutAngle, std::floor(view.ReadoutAngle)); // whole degrees along an axis
@@ -236,20 +236,20 @@ TEST_F(Shapes, TransformsMoveCornersAndCentres)
     turn.pivotX = 50;
     turn.pivotY = 50;
     r->Transform(view.World.BuildTransform(turn), view);
-    EXPECT_NEAR(std::fabs(r->p2.x - r->p1.x), 10, 1e-6);
-    EXPECT_NEAR(std::fabs(r->p2.y - r->p1.y), 20, 1e-6);
+    EXPECT_NEAR(std::fabs(r->P2.x - r->P1.x), 10, 1e-6);
+    EXPECT_NEAR(std::fabs(r->P2.y - r->P1.y), 20, 1e-6);
 
     auto* ellipse = AddEllipse(10, 10, 20, 8);
     ellipse->Transform(view.World.BuildTransform(turn), view);
-    EXPECT_NEAR(ellipse->radiusX, 0, 1e-6); // m[0] is the cosine: no turn for ellipses
+    EXPECT_NEAR(ellipse->RadiusX, 0, 1e-6); // m[0] is the cosine: no turn for ellipses
     auto* circle = AddEllipse(10, 10, 5, 99, 1, bvxCircle);
-    EXPECT_EQ(circle->radiusY, 5); // a circle takes x for both
+    EXPECT_EQ(circle->RadiusY, 5); // a circle takes x for both
     TransformRequest scale;
     scale.mode = TransformBits::Scale;
     scale.scaleX = scale.scaleY = 3;
     circle->Transform(view.World.BuildTransform(scale), view);
-    EXPECT_EQ(circle->centre, (WorldPoint{30, 30}));
-    EXPECT_EQ(circle->radiusX, 5);
+    EXPECT_EQ(circle->Centre, (WorldPoint{30, 30}));
+    EXPECT_EQ(circle->RadiusX, 5);
 }
 
 TEST_F(Shapes, AreasByType)
@@ -266,21 +266,21 @@ TEST_F(Shapes, ConversionsAmongRectanglesAndEllipses)
     auto* twoPoint = AddRect(10, 10, 30, 20, 1, bvx2PointEllipse);
     CEllipseShape ellipse;
     ASSERT_TRUE(twoPoint->ConvertTo(bvxEllipse, &ellipse, 0, 0, &view));
-    EXPECT_EQ(ellipse.centre, (WorldPoint{20, 15}));
-    EXPECT_EQ(ellipse.radiusX, 10);
-    EXPECT_EQ(ellipse.radiusY, 5);
+    EXPECT_EQ(ellipse.Centre, (WorldPoint{20, 15}));
+    EXPECT_EQ(ellipse.RadiusX, 10);
+    EXPECT_EQ(ellipse.RadiusY, 5);
     auto* thin = AddRect(10, 10, 10, 20, 1, bvx2PointEllipse);
     EXPECT_FALSE(thin->ConvertTo(bvxEllipse, &ellipse, 0, 0, &view));
     EXPECT_FALSE(twoPoint->ConvertTo(bvxEllipse, nullptr, 0, 0, &view));
 
     CRectShape rect;
     ASSERT_TRUE(ellipse.ConvertTo(bvx2PointEllipse, &rect, 0, 0, &view));
-    EXPECT_EQ(rect.p1, (WorldPoint{10, 10}));
+    EXPECT_EQ(rect.P1, (WorldPoint{10, 10}));
     EXPECT_EQ(rect.GetShapeType(), bvx2PointEllipse);
     auto* circle = AddEllipse(0, 0, 4, 4, 1, bvxCircle);
     CEllipseShape fromCircle;
     ASSERT_TRUE(circle->ConvertTo(bvxEllipse, &fromCircle, 0, 0, &view));
-    EXPECT_EQ(fromCircle.radiusY, 4);
+    EXPECT_EQ(fromCircle.RadiusY, 4);
     EXPECT_FALSE(ellipse.ConvertTo(bvxEllipse, &fromCircle, 0, 0, &view)); // only a circle becomes an ellipse
 }
 
@@ -288,18 +288,18 @@ TEST_F(Shapes, EllipseHandlesSwapWithTheWorldsYDirection)
 {
     auto* e = AddEllipse(50, 50, 20, 10);
     EXPECT_LT(Device(0, 0).y, 101);
-    DevicePoint top = view.World.WorldToDevice(e->GetHandlePoint(1, view.World));
+    DevicePoint top = view.World.WorldToDevice(e->GetHandlePoint(1, view));
     EXPECT_LT(top.y, 50); // y up: handle 1 is above the centre on screen
     view.World.SetWorld(0, 0, 100, 100, 0);
-    top = view.World.WorldToDevice(e->GetHandlePoint(1, view.World));
+    top = view.World.WorldToDevice(e->GetHandlePoint(1, view));
     EXPECT_GT(top.y, 50);
-    e->UpdateBounds(view.World);
+    e->UpdateBounds(view);
     sink.events.clear();
     e->MoveHandle(2, {80, 50}, view);
-    EXPECT_EQ(e->radiusX, 30);
+    EXPECT_EQ(e->RadiusX, 30);
     EXPECT_EQ(sink.events, (std::vector<std::string>{"DrawRadius 30 10"}));
     e->MoveHandle(5, {10, 10}, view);
-    EXPECT_EQ(e->centre, (WorldPoint{10, 10}));
+    EXPECT_EQ(e->Centre, (WorldPoint{10, 10}));
     EXPECT_EQ(sink.events.size(), 1u); // moving the centre fires nothing
 }
 

@@ -2,7 +2,7 @@
 // the scales and signs of both axes, the precisions, and the grid.
 #pragma once
 
-#include "shapes/WorldGeometry.h"
+#include "world/WorldGeometry.h"
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-#include "buffer/Rounding.h"
+#include "world/Rounding.h"
 
 #include <gtest/gtest.h>
 

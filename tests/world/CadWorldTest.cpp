@@ -1,5 +1,5 @@
-#include "buffer/CadWorld.h"
-#include "buffer/Rounding.h"
+#include "world/CadWorld.h"
+#include "world/Rounding.h"
 #include "platform/HostWindow.h"
 #include "platform/raster/RasterDeviceContext.h"
 
