@@ -290,7 +290,7 @@ void CadBuf::Select(CObjShape* shape)
                 if (s->Selected) Deselect(s);
             });
     if (!shape->Selected) {
-        shape->Selected = 1;
+        shape->Selected = true;
         Selection.push_back(shape);
     }
     FocusShape = shape;
@@ -302,7 +302,7 @@ bool CadBuf::Deselect(CObjShape* shape)
         bool had = !Selection.empty();
         FocusShape = nullptr;
         FocusPoint = -1;
-        for (CObjShape* s : Selection) s->Selected = 0;
+        for (CObjShape* s : Selection) s->Selected = false;
         Selection.clear();
         return had;
     }
@@ -312,7 +312,7 @@ bool CadBuf::Deselect(CObjShape* shape)
     }
     auto it = std::find(Selection.begin(), Selection.end(), shape);
     if (it == Selection.end()) return false;
-    shape->Selected = 0;
+    shape->Selected = false;
     Selection.erase(it);
     return true;
 }
@@ -463,7 +463,7 @@ void CadBuf::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view)
     for (size_t l = 1; l < Layers.size(); ++l)
         if (Layers[l]->Action & LayerActions::Show) Layers[l]->Draw(dc, clip, view, 0);
     if (view.MouseActive == 0) DrawSelection(dc, clip, view);
-    view.World.Changed = 0;
+    view.World.Changed = false;
 }
 
 void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view)

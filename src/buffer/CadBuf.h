@@ -30,13 +30,13 @@ public:
     int16_t FocusPoint = -1;
     int32_t NextShapeNumber = 0;
     int16_t CurrentLayerNumber = 1;
-    uint8_t ShowTracker = 1;
+    bool ShowTracker = true;
     int16_t SnapToShape = 1;
     int16_t SnapToGrid = 1;
     int16_t SnapMode = 0;
     int32_t SnapMarkerUp = 0;
     WorldPoint SnapPoint{};
-    uint8_t SnapMarkerOn = 1;
+    bool SnapMarkerOn = true;
     ShapeAttr SnapMarkerAttr = ShapeAttr::Default();
     int16_t SelectMode = 0;
     int16_t CopyMode = 0;

@@ -16,7 +16,7 @@ bool HasNoSearchChoice(int32_t type)
 } // namespace
 
 CadLayer::CadLayer(bool groupList)
-    : Attr(groupList ? nullptr : std::make_unique<ShapeAttr>(ShapeAttr::Default())), IsGroupList(groupList ? 1 : 0)
+    : Attr(groupList ? nullptr : std::make_unique<ShapeAttr>(ShapeAttr::Default())), IsGroupList(groupList)
 {
 }
 

@@ -37,7 +37,7 @@ public:
     int16_t LineType = 0;
     int16_t Action = LayerActions::All;
     std::array<uint8_t, 21> SearchMethods{};
-    int16_t IsGroupList = 0;
+    bool IsGroupList = false;
 
     void SetLineType(int16_t type) { LineType = (type >= 0 && type <= 3) ? type : 0; }
     void SetAction(int32_t action) { Action = int16_t(action & 15); }

@@ -12,8 +12,8 @@ bool CadControl::UserMode() const { return !view_.Window || view_.Window->UserMo
 
 void CadControl::Refresh()
 {
-    view_.NeedRepaint = 1;
-    view_.RebuildBackBuffer = 1;
+    view_.NeedRepaint = true;
+    view_.RebuildBackBuffer = true;
     if (view_.Window) view_.Window->InvalidateRect(nullptr, false);
 }
 

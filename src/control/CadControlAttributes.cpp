@@ -72,7 +72,7 @@ void CadControl::WriteLayerAttr(int16_t layer, AttrField field, int64_t value)
     CadLayer* l = view_.Buf.Layer(layer);
     if (!l || !l->Attr) return;
     Access(field).write(*l->Attr, view_, value);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 uint32_t CadControl::GetShapePenFg(int32_t n) { return uint32_t(ReadShapeAttr(n, AttrField::PenFg)); }

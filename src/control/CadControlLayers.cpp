@@ -13,7 +13,7 @@ bool CadControl::LayerClose(int16_t layer)
 {
     if (layer == 0 || !view_.Buf.IsLayer(layer)) return false;
     bool removed = view_.Buf.RemoveLayer(layer, view_);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
     return removed;
 }
 
@@ -21,7 +21,7 @@ bool CadControl::LayerCopy(int16_t origin, int16_t destination, bool create)
 {
     view_.CancelMouse();
     bool copied = view_.Buf.CopyLayer(origin, destination, create, view_);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
     return copied;
 }
 
@@ -59,7 +59,7 @@ void CadControl::PutLayerAction(int16_t layer, int16_t action)
     CadLayer* l = view_.Buf.Layer(layer);
     if (!l) return;
     l->SetAction(action);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 int16_t CadControl::GetLayerSearchMethod(int16_t type)
@@ -84,7 +84,7 @@ void CadControl::PutLayerLineType(int16_t layer, int16_t type)
     CadLayer* l = view_.Buf.Layer(layer);
     if (!l) return;
     l->SetLineType(type);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 int32_t CadControl::GetLayerShapeCount(int16_t layer)

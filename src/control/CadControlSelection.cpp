@@ -28,7 +28,7 @@ void CadControl::ShapeSelectRect(double x1, double y1, double x2, double y2)
     view_.CancelMouse();
     DeviceRect r = OrderedRect(view_.World.WorldRectToDevice({x1, y1}, {x2, y2}));
     view_.Buf.SelectInRect(r, false, view_);
-    view_.Redraw(2);
+    view_.Redraw(RedrawMode::Selection);
 }
 
 void CadControl::ShapeSelectMoveDelta(double dx, double dy)

@@ -60,7 +60,7 @@ void CadControl::ShapeDelete(int32_t number)
 void CadControl::ShapeSelectDelete()
 {
     view_.CancelMouse();
-    view_.Redraw(4);
+    view_.Redraw(RedrawMode::DeleteSelection);
 }
 
 void CadControl::CadClearShapes(int16_t layer)
@@ -69,7 +69,7 @@ void CadControl::CadClearShapes(int16_t layer)
     // A shape being drawn goes with its layer: the draw must end first.
     if (layer == kAllLayers || layer == view_.Buf.CurrentLayerNumber) view_.CancelMouse();
     view_.Buf.ClearLayer(layer);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 void CadControl::CadClearAll()

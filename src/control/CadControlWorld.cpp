@@ -19,22 +19,22 @@ double CadControl::GetWorldBottom() { return view_.World.RoundCoord(view_.World.
 void CadControl::PutWorldLeft(double v)
 {
     view_.World.SetEdge(view_.World.WorldLeft, v, 2);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 void CadControl::PutWorldRight(double v)
 {
     view_.World.SetEdge(view_.World.WorldRight, v, 2);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 void CadControl::PutWorldTop(double v)
 {
     view_.World.SetEdge(view_.World.WorldTop, v, 1);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 void CadControl::PutWorldBottom(double v)
 {
     view_.World.SetEdge(view_.World.WorldBottom, v, 1);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 void CadControl::WorldSet(double left, double top, double right, double bottom)
@@ -46,15 +46,15 @@ void CadControl::WorldSet(double left, double top, double right, double bottom)
 void CadControl::WorldPan(double dx, double dy)
 {
     view_.World.Pan(dx, dy);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
-bool CadControl::GetWorldSquare() { return view_.World.WorldSquare != 0; }
+bool CadControl::GetWorldSquare() { return view_.World.WorldSquare; }
 
 void CadControl::PutWorldSquare(bool on)
 {
     view_.World.SetWorldSquare(on);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 double CadControl::GetAbsToWorldX(int32_t x) { return view_.World.RoundCoord(view_.World.DeviceToWorld({x, 0}).x); }
@@ -73,8 +73,8 @@ void CadControl::WorldExtents()
 {
     CadWorld& w = view_.World;
     if (view_.Buf.Layers.size() < 2) return;
-    uint8_t square = w.WorldSquare;
-    w.WorldSquare = 1;
+    bool square = w.WorldSquare;
+    w.WorldSquare = true;
     w.Recalculate(0);
     bool any = false;
     WorldRect all{};
@@ -105,7 +105,7 @@ void CadControl::WorldExtents()
     w.SetWorld(all.left - hx, all.top - hy, all.right + hx, all.bottom + hy, 0);
     w.WorldSquare = square;
     w.Recalculate(0);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 // ---- mouse, keys and view modes ----
@@ -122,27 +122,27 @@ void CadControl::PutViewMouseTool(int32_t tool)
     view_.SetMouseTool(int16_t(tool));
 }
 
-bool CadControl::GetViewPersistMouseTool() { return view_.ViewPersistMouseTool != 0; }
+bool CadControl::GetViewPersistMouseTool() { return view_.ViewPersistMouseTool; }
 void CadControl::PutViewPersistMouseTool(bool on)
 {
     view_.ViewPersistMouseTool = on;
     if (!on) view_.SetMouseTool(bvxSelect);
 }
-bool CadControl::GetViewKeyDelete() { return view_.ViewKeyDelete != 0; }
+bool CadControl::GetViewKeyDelete() { return view_.ViewKeyDelete; }
 void CadControl::PutViewKeyDelete(bool on) { view_.ViewKeyDelete = on; }
-bool CadControl::GetViewKeyCopy() { return view_.ViewKeyCopy != 0; }
+bool CadControl::GetViewKeyCopy() { return view_.ViewKeyCopy; }
 void CadControl::PutViewKeyCopy(bool on) { view_.ViewKeyCopy = on; }
-bool CadControl::GetViewKeySelect() { return view_.ViewKeySelect != 0; }
+bool CadControl::GetViewKeySelect() { return view_.ViewKeySelect; }
 void CadControl::PutViewKeySelect(bool on) { view_.ViewKeySelect = on; }
 int16_t CadControl::GetViewMouseBounds() { return view_.Buf.MouseBounds; }
 void CadControl::PutViewMouseBounds(int16_t v) { view_.Buf.SetMouseBounds(v); }
-bool CadControl::GetViewShowTracker() { return view_.Buf.ShowTracker != 0; }
+bool CadControl::GetViewShowTracker() { return view_.Buf.ShowTracker; }
 void CadControl::PutViewShowTracker(bool on)
 {
     view_.Buf.ShowTracker = on;
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
-bool CadControl::GetViewDrawOrthogonal() { return view_.ViewDrawOrthogonal != 0; }
+bool CadControl::GetViewDrawOrthogonal() { return view_.ViewDrawOrthogonal; }
 void CadControl::PutViewDrawOrthogonal(bool on) { view_.ViewDrawOrthogonal = on; }
 int16_t CadControl::GetViewSelectMode() { return view_.Buf.SelectMode; }
 void CadControl::PutViewSelectMode(int16_t v) { view_.Buf.SetSelectMode(v); }
@@ -173,13 +173,13 @@ int16_t CadControl::GetViewSnapToGrid() { return view_.Buf.SnapToGrid; }
 void CadControl::PutViewSnapToGrid(int16_t v) { view_.Buf.SetSnapToGrid(v); }
 int16_t CadControl::GetViewSnapMode() { return view_.Buf.SnapMode; }
 void CadControl::PutViewSnapMode(int16_t v) { view_.Buf.SetSnapMode(v); }
-bool CadControl::GetViewSnapMarkerOn() { return view_.Buf.SnapMarkerOn != 0; }
+bool CadControl::GetViewSnapMarkerOn() { return view_.Buf.SnapMarkerOn; }
 void CadControl::PutViewSnapMarkerOn(bool on) { view_.Buf.SnapMarkerOn = on; }
 uint32_t CadControl::GetViewSnapMarkerColor() { return view_.StoredColor(view_.Buf.SnapMarkerAttr.PenColor()); }
 void CadControl::PutViewSnapMarkerColor(uint32_t color)
 {
     view_.Buf.SnapMarkerAttr.SetPenColor(uint32_t(view_.ColorIndex(color)));
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 
 // ---- grid ----
@@ -187,25 +187,25 @@ void CadControl::PutViewSnapMarkerColor(uint32_t color)
 void CadControl::GridSet(bool on, double width, double height, uint32_t color)
 {
     view_.World.GridSet(on, width, height, color);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
-bool CadControl::GetGridOn() { return view_.World.GridOn != 0; }
+bool CadControl::GetGridOn() { return view_.World.GridOn; }
 void CadControl::PutGridOn(bool on)
 {
     view_.World.GridOn = on;
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 uint32_t CadControl::GetGridColor() { return view_.World.GridColor; }
 void CadControl::PutGridColor(uint32_t color)
 {
     view_.World.GridColor = color;
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 double CadControl::GetGridWidth() { return view_.World.GridWidth; }
 void CadControl::PutGridWidth(double v)
 {
     view_.World.GridWidth = view_.World.RoundCoord(v);
-    view_.Redraw(0);
+    view_.Redraw(RedrawMode::Full);
 }
 double CadControl::GetGridHeight() { return view_.World.GridHeight; }
 void CadControl::PutGridHeight(double v)
@@ -219,7 +219,7 @@ void CadControl::PutGridDrawOrder(int16_t v)
 {
     int16_t before = view_.World.GridDrawOrder;
     view_.World.SetGridDrawOrder(v);
-    if (before != view_.World.GridDrawOrder) view_.Redraw(0);
+    if (before != view_.World.GridDrawOrder) view_.Redraw(RedrawMode::Full);
 }
 
 } // namespace bvx

@@ -11,7 +11,8 @@ namespace bvx {
 
 namespace {
 constexpr int32_t kShapeMargin = 4;
-constexpr int32_t kSnapMarkerMargin = 9;
+constexpr int32_t kSnapMarkerArm = 8;
+constexpr int32_t kSnapMarkerMargin = kSnapMarkerArm + 1;
 constexpr int32_t kCaretSize = 6;
 } // namespace
 
@@ -34,20 +35,20 @@ void CadView::Redraw(int32_t mode)
 {
     // Without a window nothing is repainted, but mode 4 still deletes: a
     // script host must be able to delete the selection.
-    if (!Window && mode != 4) return;
+    if (!Window && mode != RedrawMode::DeleteSelection) return;
     switch (mode) {
-    case 0:
-        RebuildBackBuffer = 1;
-        NeedRepaint = 1;
+    case RedrawMode::Full:
+        RebuildBackBuffer = true;
+        NeedRepaint = true;
         InvalidateWindow(nullptr, true);
         break;
-    case 2:
+    case RedrawMode::Selection:
         for (size_t i = 0; i < Buf.Selection.size(); ++i) InvalidateShape(Buf.Selection[i], true);
         break;
-    case 4:
+    case RedrawMode::DeleteSelection:
         while (!Buf.Selection.empty())
             if (!DeleteShape(Buf.Selection.front(), true)) Buf.Deselect(Buf.Selection.front());
-        NeedRepaint = 1;
+        NeedRepaint = true;
         InvalidateWindow(nullptr, true);
         break;
     default:
@@ -62,7 +63,7 @@ void CadView::InvalidateShape(const CObjShape* shape, bool commit)
     else
         DirtyRect = World.ClientRect;
     if (commit) {
-        NeedRepaint = 1;
+        NeedRepaint = true;
         InvalidateWindow(&DirtyRect, true);
     } else {
         InvalidateWindow(nullptr, true);
@@ -75,14 +76,14 @@ void CadView::InvalidateSnapMarker()
     DeviceRect marker{p.x, p.y, p.x, p.y};
     marker = InflatedRect(marker, kSnapMarkerMargin, kSnapMarkerMargin);
     DirtyRect = DirtyRect.United(marker);
-    NeedRepaint = 1;
+    NeedRepaint = true;
     InvalidateWindow(&marker, true);
 }
 
 void CadView::CancelMouse()
 {
     if (!DrawInProgress) return;
-    DrawAbort = 1;
+    DrawAbort = true;
     if (Tools) Tools->ResetForCancel(CurrentTool);
     if (Buf.SnapMarkerUp) {
         InvalidateSnapMarker();
@@ -90,7 +91,7 @@ void CadView::CancelMouse()
     }
     if (Window) Window->ReleaseCapture();
     MouseActive = 0;
-    DrawInProgress = 0;
+    DrawInProgress = false;
     Buf.FocusPoint = -1;
     if (Buf.Selection.empty()) return;
     CObjShape* first = Buf.Selection.front();
@@ -138,7 +139,7 @@ void CadView::ShowTextCaret(bool on)
 {
     if (on && Buf.ShowTracker) {
         if (CaretOn) return;
-        CaretOn = 1;
+        CaretOn = true;
         if (Window) {
             Window->CreateCaret(kCaretSize, kCaretSize);
             Window->SetCaretPos({CaretX, CaretY});
@@ -147,7 +148,7 @@ void CadView::ShowTextCaret(bool on)
         return;
     }
     if (!CaretOn) return;
-    CaretOn = 0;
+    CaretOn = false;
     if (Window) {
         Window->HideCaret();
         Window->DestroyCaret();
@@ -194,10 +195,10 @@ void CadView::DrawSnapMarker(DeviceContext& dc)
     PenHandle old = dc.SelectPen(SelectPen(Buf.SnapMarkerAttr, World));
     int64_t x = p.x, y = p.y;
     auto clamp32 = [](int64_t v) { return int32_t(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
-    dc.MoveToEx(clamp32(x - 8), clamp32(y - 8));
-    dc.LineTo(clamp32(x + 8), clamp32(y + 8));
-    dc.MoveToEx(clamp32(x + 8), clamp32(y - 8));
-    dc.LineTo(clamp32(x - 8), clamp32(y + 8));
+    dc.MoveToEx(clamp32(x - kSnapMarkerArm), clamp32(y - kSnapMarkerArm));
+    dc.LineTo(clamp32(x + kSnapMarkerArm), clamp32(y + kSnapMarkerArm));
+    dc.MoveToEx(clamp32(x + kSnapMarkerArm), clamp32(y - kSnapMarkerArm));
+    dc.LineTo(clamp32(x - kSnapMarkerArm), clamp32(y + kSnapMarkerArm));
     dc.SelectPen(old);
 }
 
@@ -218,7 +219,7 @@ void CadView::ClearSelection(CObjShape* shape)
         InvalidateShape(shape, true);
         Buf.Deselect(shape);
     } else {
-        Redraw(2);
+        Redraw(RedrawMode::Selection);
         Buf.Deselect(nullptr);
     }
 }

@@ -15,6 +15,13 @@
 
 namespace bvx {
 
+// The repaints Redraw knows; other values do nothing.
+namespace RedrawMode {
+constexpr int32_t Full = 0;            // rebuild the back buffer, repaint the view
+constexpr int32_t Selection = 2;       // repaint the selected shapes
+constexpr int32_t DeleteSelection = 4; // delete the selection, then repaint the view
+} // namespace RedrawMode
+
 // The view is the context its shapes and document work in (ShapeContext,
 // which also holds the world mapping) and is-a colour table.
 class CadView : public CadColorTable, public ShapeContext {
@@ -26,25 +33,25 @@ public:
 
     CadBuf Buf;
 
-    uint8_t CaretOn = 0;
+    bool CaretOn = false;
     int32_t CaretX = 0;
     int32_t CaretY = 0;
     EventSink* Owner = nullptr;
-    uint8_t ViewReady = 0;
-    uint8_t NeedRepaint = 1;
+    bool ViewReady = false;
+    bool NeedRepaint = true;
     DeviceRect DirtyRect{};
-    uint8_t RebuildBackBuffer = 1;
+    bool RebuildBackBuffer = true;
     BitmapHandle BackBitmap;
     HostWindow* Window = nullptr;
     uint32_t BackColorCopy = 0xFFFFFF;
     int16_t CurrentTool = 0;
-    uint8_t ViewPersistMouseTool = 0;
-    uint8_t ViewKeyDelete = 1;
-    uint8_t ViewKeyCopy = 1;
-    uint8_t ViewKeySelect = 1;
-    uint8_t DrawAbort = 0;
-    uint8_t DrawInProgress = 0;
-    uint8_t SkipNextClick = 0;
+    bool ViewPersistMouseTool = false;
+    bool ViewKeyDelete = true;
+    bool ViewKeyCopy = true;
+    bool ViewKeySelect = true;
+    bool DrawAbort = false;
+    bool DrawInProgress = false;
+    bool SkipNextClick = false;
     int16_t HiddenViewDialogType = 0;
     int32_t HiddenViewDialogData = 0;
 

@@ -50,7 +50,8 @@ public:
 
     // Returns the chosen command, 0 if none.
     virtual uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint screen) = 0;
-    virtual int32_t MessageBox(const std::u16string& text, const std::u16string& caption, uint32_t flags) = 0;
+    // A message box; not named MessageBox, which the platform headers turn into a macro.
+    virtual int32_t ShowMessage(const std::u16string& text, const std::u16string& caption, uint32_t flags) = 0;
     // Handles pending input so that a long operation can see a key or a cancel.
     virtual void PumpMessages() = 0;
 

@@ -15,7 +15,6 @@ namespace {
 constexpr double kTiny = 1e-7;
 constexpr double kTwoPi = 2 * std::numbers::pi;
 constexpr double kFullTurnLimit = 6.2831854071795865;
-constexpr double kRadiansToDegrees = 57.29577951308232;
 constexpr int32_t kHandleHalf = 3;
 
 // Pointer roles of the tracker handles: corners, top and bottom, left and right.

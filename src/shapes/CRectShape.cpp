@@ -374,7 +374,7 @@ int32_t AngleTenths(int32_t dx, int32_t dy)
 {
     if (dx == 0) return dy == 0 ? 0 : dy < 1 ? 2700 : 900;
     if (dy == 0) return dx < 1 ? 1800 : 0;
-    int32_t t = RoundHalfDown(std::atan(std::fabs(double(dy) / dx)) * 57.29577951308232) * 10;
+    int32_t t = RoundHalfDown(std::atan(std::fabs(double(dy) / dx)) * kRadiansToDegrees) * 10;
     if (dx > 0 && dy > 0) return t;
     if (dx < 1 && dy < 1) return t + 1800;
     return dx < 1 ? 1800 - t : 3600 - t;
@@ -382,7 +382,7 @@ int32_t AngleTenths(int32_t dx, int32_t dy)
 
 void RotateDevicePoints(std::span<DevicePoint> points, int32_t tenths, DevicePoint pivot)
 {
-    double a = (3600 - tenths) * 0.001745329;
+    double a = (3600 - tenths) * kTenthDegreesToRadians;
     int64_t c = RoundHalfDown(std::cos(a) * 10000), s = RoundHalfDown(std::sin(a) * 10000);
     auto scaled = [](int64_t sum) { return (sum + (sum < 0 ? -5000 : 5000)) / 10000; };
     for (DevicePoint& p : points) {

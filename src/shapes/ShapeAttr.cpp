@@ -10,9 +10,9 @@ constexpr uint32_t kWord1Fields = (1u << 9) - 1;  // bits 0-8
 ShapeAttr ShapeAttr::Default()
 {
     ShapeAttr a(0, 0);
-    a.SetPenBack(22);
+    a.SetPenBack(kWhiteIndex);
     a.SetPenWidth(1);
-    a.SetBrushBg(22);
+    a.SetBrushBg(kWhiteIndex);
     return a;
 }
 

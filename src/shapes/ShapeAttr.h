@@ -7,6 +7,10 @@
 
 namespace bvx {
 
+// The start colours a record refers to by index.
+constexpr uint32_t kBlackIndex = 0;
+constexpr uint32_t kWhiteIndex = 22;
+
 class ShapeAttr {
 public:
     // Pen colour 0 (black), second colour and brush background 22 (white),

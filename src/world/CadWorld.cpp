@@ -79,7 +79,7 @@ void CadWorld::Recalculate(int32_t mode)
     double w = std::fabs(double(ClientRect.right) - ClientRect.left);
     double h = std::fabs(double(ClientRect.bottom) - ClientRect.top);
     if (w == 0) return;
-    Changed = 1;
+    Changed = true;
     if (mode == 0 || !WorldSquare) {
         ScaleX = std::fabs((w - 1) / (WorldRight - WorldLeft));
         ScaleY = std::fabs((h - 1) / (WorldBottom - WorldTop));
@@ -126,7 +126,7 @@ void CadWorld::SetEdge(double& edge, double value, int32_t mode)
 
 void CadWorld::SetWorldSquare(bool on)
 {
-    WorldSquare = on ? 1 : 0;
+    WorldSquare = on;
     Recalculate(0);
 }
 
@@ -263,7 +263,7 @@ bool CadWorld::SnapCursorToGrid(DevicePoint cursor, DevicePoint device, HostWind
 bool CadWorld::GridSet(bool on, double width, double height, uint32_t color)
 {
     if (!(width > 0 && height > 0)) return false;
-    GridOn = on ? 1 : 0;
+    GridOn = on;
     GridWidth = width;
     GridHeight = height;
     GridColor = color;

@@ -35,10 +35,6 @@ struct TransformRequest {
     double shear = 0;
 };
 
-// Degrees to radians with the constant the interface has always used, not
-// pi/180 to full precision.
-constexpr double kDegreesToRadians = 0.01745329252;
-
 class CadWorld {
 public:
     CadWorld() = default;
@@ -46,9 +42,9 @@ public:
     WorldPoint LastSnapWorld{};
     DevicePoint LastSnapDevice{};
     DeviceRect OutputRect{};
-    uint8_t Changed = 1;
+    bool Changed = true;
     int16_t OutputMode = 0;
-    uint8_t WorldSquare = 1;
+    bool WorldSquare = true;
     DeviceRect ClientRect{}; // the view in device units
     double WorldLeft = 0;
     double WorldTop = 100;
@@ -60,7 +56,7 @@ public:
     double OriginY = 100;
     int16_t SignX = 1;
     int16_t SignY = -1;
-    uint8_t GridOn = 0;
+    bool GridOn = false;
     uint32_t GridColor = 0;
     double GridWidth = 10;
     double GridHeight = 10;

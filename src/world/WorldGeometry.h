@@ -7,6 +7,13 @@
 
 namespace bvx {
 
+// Angle units as the interface has always converted them: degrees to
+// radians with a short constant rather than pi/180 to full precision, and
+// tenths of a degree (arrow heads) with a shorter one still.
+constexpr double kDegreesToRadians = 0.01745329252;
+constexpr double kRadiansToDegrees = 57.29577951308232;
+constexpr double kTenthDegreesToRadians = 0.001745329;
+
 struct WorldPoint {
     double x = 0;
     double y = 0;

@@ -10,14 +10,14 @@ using View = testing::ViewFixture;
 TEST(CadViewHeadless, RunsWithoutWindowOrSink)
 {
     CadView view;
-    EXPECT_EQ(view.ViewReady, 0);
+    EXPECT_FALSE(view.ViewReady);
     auto* shape = view.CreateShape(bvxRectangle, 1);
     ASSERT_TRUE(shape);
     EXPECT_EQ(shape->Number, 1);
-    view.Redraw(0); // ignored without a window
-    EXPECT_EQ(view.RebuildBackBuffer, 1);
+    view.Redraw(RedrawMode::Full); // ignored without a window
+    EXPECT_TRUE(view.RebuildBackBuffer);
     view.Buf.Select(shape);
-    view.Redraw(4); // the repaint is skipped, the deletion is not
+    view.Redraw(RedrawMode::DeleteSelection); // the repaint is skipped, the deletion is not
     EXPECT_EQ(view.Buf.FindShape(1), nullptr);
     view.Fire<&EventSink::Click>(1, 2); // no sink: quiet
     EXPECT_EQ(view.CreateShape(16, 1), nullptr);
@@ -49,34 +49,34 @@ TEST_F(View, RedrawModes)
     view.Redraw(1);
     view.Redraw(3);
     EXPECT_TRUE(window.invalidated.empty());
-    view.Redraw(2);
+    view.Redraw(RedrawMode::Selection);
     EXPECT_EQ(window.invalidated.size(), 2u);
     sink.events.clear();
-    view.Redraw(4);
+    view.Redraw(RedrawMode::DeleteSelection);
     EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1", "ShapeNumberDeleted 2"}));
     EXPECT_TRUE(view.Buf.Selection.empty());
-    view.NeedRepaint = 0;
-    view.RebuildBackBuffer = 0;
-    view.Redraw(0);
-    EXPECT_EQ(view.NeedRepaint, 1);
-    EXPECT_EQ(view.RebuildBackBuffer, 1);
+    view.NeedRepaint = false;
+    view.RebuildBackBuffer = false;
+    view.Redraw(RedrawMode::Full);
+    EXPECT_TRUE(view.NeedRepaint);
+    EXPECT_TRUE(view.RebuildBackBuffer);
     EXPECT_EQ(window.invalidated.back(), window.client);
 }
 
 TEST_F(View, InvalidateShapeCollectsOldAndNewBounds)
 {
     auto* r = AddRect(10, 90, 20, 80); // device 10..20 by 10..20
-    view.NeedRepaint = 0;
+    view.NeedRepaint = false;
     view.DirtyRect = {};
     window.invalidated.clear();
     view.InvalidateShape(r, false);
     view.InvalidateShape(r, false);
-    EXPECT_EQ(view.NeedRepaint, 0);
+    EXPECT_FALSE(view.NeedRepaint);
     EXPECT_EQ(window.invalidated.size(), 2u);
     EXPECT_EQ(window.invalidated.back(), window.client); // the whole window without a commit
     r->Move({50, 0}, view);
     view.InvalidateShape(r, true);
-    EXPECT_EQ(view.NeedRepaint, 1);
+    EXPECT_TRUE(view.NeedRepaint);
     // Old place and new, each grown by 4.
     EXPECT_EQ(view.DirtyRect, (DeviceRect{6, 6, 74, 24}));
     EXPECT_EQ(window.invalidated.back(), view.DirtyRect);
@@ -108,12 +108,12 @@ TEST_F(View, CancelMouseOnlyActsDuringADraw)
     view.CancelMouse();
     EXPECT_TRUE(window.calls.empty()); // not even the capture
     EXPECT_EQ(view.MouseActive, 1);
-    view.DrawInProgress = 1;
+    view.DrawInProgress = true;
     sink.events.clear();
     view.CancelMouse();
-    EXPECT_EQ(view.DrawAbort, 1);
+    EXPECT_TRUE(view.DrawAbort);
     EXPECT_EQ(view.MouseActive, 0);
-    EXPECT_EQ(view.DrawInProgress, 0);
+    EXPECT_FALSE(view.DrawInProgress);
     EXPECT_EQ(window.calls, (std::vector<std::string>{"ReleaseCapture"}));
     EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1"})); // the half-made shape goes
 }
@@ -162,7 +162,7 @@ TEST_F(View, TextCaretFollowsTheTracker)
     view.ShowTextCaret(false);
     EXPECT_EQ(window.calls.back(), "DestroyCaret");
     window.calls.clear();
-    view.Buf.ShowTracker = 0;
+    view.Buf.ShowTracker = false;
     view.ShowTextCaret(true);
     EXPECT_TRUE(window.calls.empty());
 }

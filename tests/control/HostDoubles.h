@@ -61,7 +61,7 @@ public:
     void SetPointer(int32_t id) override { calls.push_back("SetPointer " + std::to_string(id)); }
     void SetFocus() override { calls.push_back("SetFocus"); }
     uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override { return 0; }
-    int32_t MessageBox(const std::u16string&, const std::u16string&, uint32_t) override { return 1; }
+    int32_t ShowMessage(const std::u16string&, const std::u16string&, uint32_t) override { return 1; }
     void PumpMessages() override {}
     int32_t ScreenDpiX() const override { return 96; }
     int32_t ScreenDpiY() const override { return 96; }

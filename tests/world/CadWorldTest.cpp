@@ -108,7 +108,7 @@ TEST(CadWorld, BadNumbersNeverTrap)
     // An edge put bypasses the widening guard: the scale becomes infinite
     // (with a square world the other axis's finite scale would win).
     w.SetEdge(w.WorldRight, 0, 2);
-    w.WorldSquare = 0;
+    w.WorldSquare = false;
     w.SetEdge(w.WorldRight, w.WorldLeft, 2);
     EXPECT_TRUE(std::isinf(w.ScaleX) || std::isnan(w.ScaleX));
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -242,7 +242,7 @@ TEST(CadWorld, GridSetNeedsPositiveSizes)
 {
     CadWorld w;
     EXPECT_FALSE(w.GridSet(true, 0, 10, 5));
-    EXPECT_EQ(w.GridOn, 0);
+    EXPECT_FALSE(w.GridOn);
     EXPECT_DOUBLE_EQ(w.GridWidth, 10);
     EXPECT_FALSE(w.GridSet(true, std::numeric_limits<double>::quiet_NaN(), 10, 5));
 }
