@@ -77,7 +77,6 @@ public:
     bool HasArrayData() const;
     const std::vector<Variant>& Items() const;
     const Variant& At(int32_t row, int32_t column = 0) const;
-    VarType ElementType() const { return element_; }
 
     friend bool operator==(const Variant& a, const Variant& b);
 

@@ -33,7 +33,6 @@ struct WorldRect {
 struct Matrix3 {
     std::array<double, 9> m{1, 0, 0, 0, 1, 0, 0, 0, 1};
 
-    static Matrix3 Identity() { return {}; }
 
     WorldPoint Apply(const WorldPoint& p) const
     {
