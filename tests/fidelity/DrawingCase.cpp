@@ -37,27 +37,26 @@ bool ParseHex(const std::string& word, uint32_t& value)
 // "#rrggbb" as people write colours.
 bool ParseColor(const std::string& word, ColorRef& color)
 {
-    if (word.size() != 7 || word[0] != '#') return false;
-    try {
-        uint32_t rgb = uint32_t(std::stoul(word.substr(1), nullptr, 16));
-        color = MakeRgb(uint8_t(rgb >> 16), uint8_t(rgb >> 8), uint8_t(rgb));
-        return true;
-    } catch (...) {
-        return false;
-    }
+    uint32_t rgb = 0;
+    if (word.size() != 7 || word[0] != '#' || !ParseHex(word.substr(1), rgb)) return false;
+    color = MakeRgb(uint8_t(rgb >> 16), uint8_t(rgb >> 8), uint8_t(rgb));
+    return true;
 }
 
-const std::map<std::string, uint32_t>& RopNames()
-{
-    static const std::map<std::string, uint32_t> names = {
-        {"patcopy", RasterOp::PatCopy},     {"patinvert", RasterOp::PatInvert}, {"dstinvert", RasterOp::DstInvert},
-        {"blackness", RasterOp::Blackness}, {"whiteness", RasterOp::Whiteness}, {"srccopy", RasterOp::SrcCopy},
-    };
-    return names;
-}
+const std::map<std::string, uint32_t> kRops = {
+    {"patcopy", RasterOp::PatCopy},     {"patinvert", RasterOp::PatInvert}, {"dstinvert", RasterOp::DstInvert},
+    {"blackness", RasterOp::Blackness}, {"whiteness", RasterOp::Whiteness}, {"srccopy", RasterOp::SrcCopy},
+};
 
-// Plays one command; the words after the verb must be exactly as many
-// numbers as the verb takes, or a point list.
+// The words after a verb, sorted into numbers, colours and other words;
+// a command matches a verb only with exactly the counts it takes.
+struct Args {
+    std::vector<int32_t> n;
+    std::vector<ColorRef> c;
+    std::vector<std::string> w;
+};
+
+// Plays one command.
 class Player {
 public:
     explicit Player(DeviceContext& dc) : dc_(dc) {}
@@ -65,113 +64,72 @@ public:
     bool Play(const std::vector<std::string>& words)
     {
         const std::string& verb = words[0];
-        std::vector<int32_t> n;
-        ColorRef color = 0;
-        auto numbers = [&](size_t from, size_t count) {
-            n.clear();
-            if (words.size() != from + count) return false;
-            for (size_t i = from; i < words.size(); ++i) {
-                int32_t v = 0;
-                if (!ParseInt(words[i], v)) return false;
-                n.push_back(v);
-            }
-            return true;
+        // Hex words first: "0301" is bytes here, not an octal number.
+        if (verb == "masks") return words.size() == 4 && SetMasks(words);
+        if (verb == "bytes") return words.size() > 1 && AddBytes(words);
+        Args a;
+        for (size_t i = 1; i < words.size(); ++i) {
+            int32_t v = 0;
+            ColorRef color = 0;
+            if (ParseInt(words[i], v)) a.n.push_back(v);
+            else if (ParseColor(words[i], color)) a.c.push_back(color);
+            else a.w.push_back(words[i]);
+        }
+        auto is = [&](const char* name, size_t numbers, size_t colors = 0, size_t others = 0) {
+            return verb == name && a.n.size() == numbers && a.c.size() == colors && a.w.size() == others;
         };
-        auto points = [&](std::vector<DevicePoint>& out) {
-            if (words.size() % 2 != 1 || !numbers(1, words.size() - 1)) return false;
-            for (size_t i = 0; i < n.size(); i += 2) out.push_back({n[i], n[i + 1]});
-            return true;
-        };
-        if (verb == "pen") {
-            if (words.size() != 4 || !ParseColor(words[3], color) || !ParseTwo(words[1], words[2], n)) return false;
-            dc_.SelectPen(CreatePen(PenStyle(n[0]), n[1], color));
-            return true;
-        }
-        if (verb == "brush") {
-            if (words.size() == 2 && words[1] == "null") {
-                brush_ = {BrushStyle::Null, {}, 0};
-            } else if (words.size() == 3 && words[1] == "solid" && ParseColor(words[2], color)) {
-                brush_ = {BrushStyle::Solid, {}, color};
-            } else if (words.size() == 4 && words[1] == "hatch" && ParseColor(words[3], color) &&
-                       ParseInt(words[2], hatch_)) {
-                brush_ = {BrushStyle::Hatched, HatchStyle(hatch_), color};
-            } else {
-                return false;
-            }
-            dc_.SelectBrush(std::make_shared<const Brush>(brush_));
-            return true;
-        }
-        if (verb == "bkmode" && words.size() == 2) {
-            if (words[1] != "opaque" && words[1] != "transparent") return false;
-            dc_.SetBkMode(words[1] == "opaque" ? BackMode::Opaque : BackMode::Transparent);
-            return true;
-        }
-        if (verb == "bkcolor" && words.size() == 2 && ParseColor(words[1], color)) {
-            dc_.SetBkColor(color);
-            return true;
-        }
-        if (verb == "fillmode" && words.size() == 2) {
-            if (words[1] != "alternate" && words[1] != "winding") return false;
-            dc_.SetPolyFillMode(words[1] == "alternate" ? PolyFillMode::Alternate : PolyFillMode::Winding);
-            return true;
-        }
-        if (verb == "rop2" && numbers(1, 1)) {
-            dc_.SetROP2(Rop2(n[0]));
-            return true;
-        }
-        if (verb == "moveto" && numbers(1, 2)) {
-            dc_.MoveToEx(n[0], n[1]);
-            return true;
-        }
-        if (verb == "lineto" && numbers(1, 2)) return dc_.LineTo(n[0], n[1]), true;
-        if (verb == "polyline" || verb == "polygon") {
+        const auto& n = a.n;
+        if (is("pen", 2, 1)) return dc_.SelectPen(CreatePen(PenStyle(n[0]), n[1], a.c[0])), true;
+        if (is("brush", 0, 0, 1) && a.w[0] == "null") return SetBrush({BrushStyle::Null, {}, 0});
+        if (is("brush", 0, 1, 1) && a.w[0] == "solid") return SetBrush({BrushStyle::Solid, {}, a.c[0]});
+        if (is("brush", 1, 1, 1) && a.w[0] == "hatch") return SetBrush({BrushStyle::Hatched, HatchStyle(n[0]), a.c[0]});
+        if (is("bkmode", 0, 0, 1) && (a.w[0] == "opaque" || a.w[0] == "transparent"))
+            return dc_.SetBkMode(a.w[0] == "opaque" ? BackMode::Opaque : BackMode::Transparent), true;
+        if (is("bkcolor", 0, 1)) return dc_.SetBkColor(a.c[0]), true;
+        if (is("fillmode", 0, 0, 1) && (a.w[0] == "alternate" || a.w[0] == "winding"))
+            return dc_.SetPolyFillMode(a.w[0] == "alternate" ? PolyFillMode::Alternate : PolyFillMode::Winding), true;
+        if (is("rop2", 1)) return dc_.SetROP2(Rop2(n[0])), true;
+        if (is("moveto", 2)) return dc_.MoveToEx(n[0], n[1]), true;
+        if (is("lineto", 2)) return dc_.LineTo(n[0], n[1]), true;
+        if ((verb == "polyline" || verb == "polygon") && is(verb.c_str(), n.size()) && n.size() % 2 == 0) {
             std::vector<DevicePoint> p;
-            if (!points(p)) return false;
-            if (verb == "polyline")
-                dc_.Polyline(p);
-            else
-                dc_.Polygon(p);
-            return true;
+            for (size_t i = 0; i < n.size(); i += 2) p.push_back({n[i], n[i + 1]});
+            return (verb == "polyline" ? dc_.Polyline(p) : dc_.Polygon(p)), true;
         }
-        if (verb == "rectangle" && numbers(1, 4)) return dc_.Rectangle(n[0], n[1], n[2], n[3]), true;
-        if (verb == "ellipse" && numbers(1, 4)) return dc_.Ellipse(n[0], n[1], n[2], n[3]), true;
-        if (verb == "roundrect" && numbers(1, 6)) return dc_.RoundRect(n[0], n[1], n[2], n[3], n[4], n[5]), true;
-        if ((verb == "arc" || verb == "pie" || verb == "chord") && numbers(1, 8)) {
-            auto f = verb == "arc" ? &DeviceContext::Arc : verb == "pie" ? &DeviceContext::Pie : &DeviceContext::Chord;
-            (dc_.*f)(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7]);
-            return true;
-        }
-        if (verb == "patblt" && words.size() == 6 && RopNames().count(words[5])) {
-            if (!ParseFour(words, n)) return false;
-            dc_.PatBlt(n[0], n[1], n[2], n[3], RopNames().at(words[5]));
-            return true;
-        }
+        if (is("rectangle", 4)) return dc_.Rectangle(n[0], n[1], n[2], n[3]), true;
+        if (is("ellipse", 4)) return dc_.Ellipse(n[0], n[1], n[2], n[3]), true;
+        if (is("roundrect", 6)) return dc_.RoundRect(n[0], n[1], n[2], n[3], n[4], n[5]), true;
+        if (is("arc", 8)) return dc_.Arc(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7]), true;
+        if (is("pie", 8)) return dc_.Pie(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7]), true;
+        if (is("chord", 8)) return dc_.Chord(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7]), true;
+        if (is("patblt", 4, 0, 1) && kRops.count(a.w[0]))
+            return dc_.PatBlt(n[0], n[1], n[2], n[3], kRops.at(a.w[0])), true;
         // Copies within the surface itself, overlap included.
-        if (verb == "bitblt" && numbers(1, 6)) return dc_.BitBlt(n[0], n[1], n[2], n[3], dc_, n[4], n[5], RasterOp::SrcCopy), true;
-        if (verb == "setpixel" && words.size() == 4 && ParseColor(words[3], color)) {
-            if (!ParseTwo(words[1], words[2], n)) return false;
-            dc_.SetPixelV(n[0], n[1], color);
-            return true;
-        }
-        if (verb == "fillrect" && numbers(1, 4)) return dc_.FillRect({n[0], n[1], n[2], n[3]}, brush_), true;
-        if (verb == "framerect" && numbers(1, 4)) return dc_.FrameRect({n[0], n[1], n[2], n[3]}, brush_), true;
-        if (verb == "focusrect" && numbers(1, 4)) return dc_.DrawFocusRect({n[0], n[1], n[2], n[3]}), true;
-        if (verb == "clip" && numbers(1, 4)) return dc_.IntersectClipRect(n[0], n[1], n[2], n[3]), true;
-        if (verb == "dib" && (numbers(1, 5) || numbers(1, 6))) return StartDib(n);
-        if (verb == "masks" && words.size() == 4) return SetMasks(words);
-        if (verb == "colors" && words.size() > 1) return AddColors(words);
-        if (verb == "bytes" && words.size() > 1) return AddBytes(words);
+        if (is("bitblt", 6)) return dc_.BitBlt(n[0], n[1], n[2], n[3], dc_, n[4], n[5], RasterOp::SrcCopy), true;
+        if (is("setpixel", 2, 1)) return dc_.SetPixelV(n[0], n[1], a.c[0]), true;
+        if (is("fillrect", 4)) return dc_.FillRect({n[0], n[1], n[2], n[3]}, brush_), true;
+        if (is("framerect", 4)) return dc_.FrameRect({n[0], n[1], n[2], n[3]}, brush_), true;
+        if (is("focusrect", 4)) return dc_.DrawFocusRect({n[0], n[1], n[2], n[3]}), true;
+        if (is("savedc", 0)) return dc_.SaveDC(), true;
+        if (is("restoredc", 1)) return dc_.RestoreDC(n[0]), true;
+        if (is("clip", 4)) return dc_.IntersectClipRect(n[0], n[1], n[2], n[3]), true;
+        if (is("dib", 5) || is("dib", 6)) return StartDib(n);
+        if (verb == "colors" && is("colors", 0, a.c.size()) && !a.c.empty()) return AddColors(a.c);
         // A paint that draws nothing is a mistake in the case, not a result.
-        if (verb == "setdibits" && numbers(1, 6))
-            return dc_.SetDIBitsToDevice(n[0], n[1], n[2], n[3], n[4], n[5], Dib()) != 0;
-        if (verb == "stretchdibits" && numbers(1, 8))
+        if (is("setdibits", 6)) return dc_.SetDIBitsToDevice(n[0], n[1], n[2], n[3], n[4], n[5], Dib()) != 0;
+        if (is("stretchdibits", 8))
             return dc_.StretchDIBits(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7], Dib(), RasterOp::SrcCopy) != 0;
-        if (verb == "savedc" && words.size() == 1) return dc_.SaveDC(), true;
-        if (verb == "restoredc" && numbers(1, 1)) return dc_.RestoreDC(n[0]), true;
         return false;
     }
 
 private:
+    bool SetBrush(const Brush& brush)
+    {
+        brush_ = brush;
+        dc_.SelectBrush(std::make_shared<const Brush>(brush_));
+        return true;
+    }
+
     // dib SIZE WIDTH HEIGHT BITS COMPRESSION [CLRUSED]: a header of SIZE
     // bytes, 12 being the core form; the commands after it add to the block.
     bool StartDib(const std::vector<int32_t>& n)
@@ -180,12 +138,9 @@ private:
         if (size != kDibCoreHeaderSize && (size < kDibInfoHeaderSize || size > 124)) return false;
         dib_.assign(size, 0);
         pixelBytes_ = 0;
-        StoreLe32(dib_.data(), size);
         if (size == kDibCoreHeaderSize) {
-            StoreLe16(dib_.data() + 4, uint16_t(n[1]));
-            StoreLe16(dib_.data() + 6, uint16_t(n[2]));
-            StoreLe16(dib_.data() + 8, 1);
-            StoreLe16(dib_.data() + 10, uint16_t(n[3]));
+            const uint16_t fields[] = {uint16_t(size), 0, uint16_t(n[1]), uint16_t(n[2]), 1, uint16_t(n[3])};
+            for (size_t i = 0; i < 6; ++i) StoreLe16(dib_.data() + 2 * i, fields[i]);
             return n[4] == 0 && n.size() == 5;
         }
         DibInfoHeader h;
@@ -206,7 +161,7 @@ private:
         constexpr size_t kEnd = kDibInfoHeaderSize + 12;
         if (dib_.size() < kDibInfoHeaderSize || dib_.size() > std::max<size_t>(LoadLe32(dib_.data()), kEnd))
             return false;
-        if (dib_.size() < kEnd) dib_.resize(kEnd, 0);
+        dib_.resize(std::max(dib_.size(), kEnd), 0);
         for (size_t i = 0; i < 3; ++i) {
             uint32_t mask = 0;
             if (!ParseHex(words[i + 1], mask)) return false;
@@ -216,13 +171,11 @@ private:
     }
 
     // colors #c...: table entries, three bytes each in the core form.
-    bool AddColors(const std::vector<std::string>& words)
+    bool AddColors(const std::vector<ColorRef>& colors)
     {
         if (dib_.empty()) return false;
         const bool core = LoadLe32(dib_.data()) == kDibCoreHeaderSize;
-        for (size_t i = 1; i < words.size(); ++i) {
-            ColorRef c = 0;
-            if (!ParseColor(words[i], c)) return false;
+        for (ColorRef c : colors) {
             dib_.insert(dib_.end(), {BlueOf(c), GreenOf(c), RedOf(c)});
             if (!core) dib_.push_back(0);
         }
@@ -232,15 +185,12 @@ private:
     // bytes HEX...: pixel bytes, two hex digits each, as stored.
     bool AddBytes(const std::vector<std::string>& words)
     {
-        if (dib_.empty()) return false;
         for (size_t i = 1; i < words.size(); ++i) {
-            const std::string& w = words[i];
-            if (w.size() % 2 != 0) return false;
-            for (size_t k = 0; k < w.size(); k += 2) {
+            if (dib_.empty() || words[i].size() % 2 != 0) return false;
+            for (size_t k = 0; k < words[i].size(); k += 2, ++pixelBytes_) {
                 uint32_t byte = 0;
-                if (!ParseHex(w.substr(k, 2), byte)) return false;
+                if (!ParseHex(words[i].substr(k, 2), byte)) return false;
                 dib_.push_back(uint8_t(byte));
-                ++pixelBytes_;
             }
         }
         return true;
@@ -254,22 +204,8 @@ private:
         return dib_;
     }
 
-    static bool ParseTwo(const std::string& a, const std::string& b, std::vector<int32_t>& n)
-    {
-        n.assign(2, 0);
-        return ParseInt(a, n[0]) && ParseInt(b, n[1]);
-    }
-    static bool ParseFour(const std::vector<std::string>& words, std::vector<int32_t>& n)
-    {
-        n.assign(4, 0);
-        for (size_t i = 0; i < 4; ++i)
-            if (!ParseInt(words[i + 1], n[i])) return false;
-        return true;
-    }
-
     DeviceContext& dc_;
     Brush brush_{};
-    int32_t hatch_ = 0;
     std::vector<uint8_t> dib_;
     uint32_t pixelBytes_ = 0;
 };
@@ -303,7 +239,6 @@ CaseFile ParseCaseFile(const std::string& path)
             if (w.size() != 2 && w.size() != 4) return fail("case NAME [WIDTH HEIGHT]");
             DrawingCase c;
             c.name = w[1];
-            c.line = lineNumber;
             if (w.size() == 4 && (!ParseInt(w[2], c.width) || !ParseInt(w[3], c.height) || c.width <= 0 ||
                                   c.height <= 0 || c.width > 1024 || c.height > 1024))
                 return fail("bad size");
@@ -314,7 +249,7 @@ CaseFile ParseCaseFile(const std::string& path)
             open = nullptr;
         } else if (w[0] == "region") {
             if (open || w.size() < 3) return fail("region NAME KIND NUMBERS...");
-            RegionCase r{w[1], w[2], {}, lineNumber};
+            RegionCase r{w[1], w[2], {}};
             for (size_t i = 3; i < w.size(); ++i) {
                 int32_t v = 0;
                 if (!ParseInt(w[i], v)) return fail("bad number " + w[i]);

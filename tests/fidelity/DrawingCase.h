@@ -15,7 +15,6 @@ struct DrawingCase {
     int32_t width = 64;
     int32_t height = 64;
     std::vector<std::vector<std::string>> commands; // each a word list
-    int line = 0;                                   // where the case starts in its file
 };
 
 // Region probes: a region and every point of its box grown by a margin.
@@ -23,7 +22,6 @@ struct RegionCase {
     std::string name;
     std::string kind; // rect, polygon-alternate, polygon-winding, ellipse, roundrect
     std::vector<int32_t> numbers;
-    int line = 0;
 };
 
 struct CaseFile {

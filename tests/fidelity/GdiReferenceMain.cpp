@@ -31,15 +31,9 @@ HRGN MakeRegion(const RegionCase& r)
 
 int main(int argc, char** argv)
 {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: gdi_reference CASES OUTDIR\n");
-        return 2;
-    }
+    if (argc != 3) return std::fprintf(stderr, "usage: gdi_reference CASES OUTDIR\n"), 2;
     CaseFile cases = ParseCaseFile(argv[1]);
-    if (!cases.error.empty()) {
-        std::fprintf(stderr, "%s\n", cases.error.c_str());
-        return 1;
-    }
+    if (!cases.error.empty()) return std::fprintf(stderr, "%s\n", cases.error.c_str()), 1;
     std::string out = argv[2];
     int failures = 0;
     for (const DrawingCase& c : cases.drawings) {

@@ -47,11 +47,14 @@ TEST_P(DibFormat, RoundTripsThroughABmpFileOrIsRefused)
     EXPECT_EQ(header.compression, uint32_t(c.storedCompression));
     EXPECT_EQ(header.sizeImage, DibBits(*dib).size());
 
-    const Bytes file = test::WriteBmpBytes(*dib);
+    MemorySink sink;
+    ASSERT_TRUE(DibWriteBmp(*dib, sink));
+    const Bytes& file = sink.Bytes();
     ASSERT_GT(file.size(), kBmpFileHeaderSize);
     EXPECT_EQ(LoadLe32(file.data() + 2), file.size());
     EXPECT_EQ(LoadLe32(file.data() + 10), kBmpFileHeaderSize + kDibInfoHeaderSize + DibPaletteSize(*dib));
-    const DibPtr back = test::ReadBmpBytes(file);
+    MemorySource source(file);
+    const DibPtr back = DibReadBlock(source, false);
     ASSERT_TRUE(back);
     EXPECT_EQ(back->bytes, dib->bytes);
     const BitmapHandle painted = test::PaintWhole(*back);
@@ -166,23 +169,23 @@ TEST(DibColors, AGivenPaletteTakesEveryPixel)
 
 TEST(DibBlockFile, SizedBlocksFollowOneAnother)
 {
-    const BitmapHandle a = MakeSurface(3, 2, [](int32_t x, int32_t) { return NthColor(x); });
-    const BitmapHandle b = MakeSurface(5, 4, [](int32_t x, int32_t y) { return NthColor(x + y); });
-    DibPtr first = DibFromBitmap(*a, 8, 1, nullptr);
-    DibPtr second = DibFromBitmap(*b, 24, 0, nullptr);
+    const auto surface = MakeSurface(5, 4, [](int32_t x, int32_t y) { return NthColor(x + y); });
+    std::vector<DibPtr> written;
+    written.push_back(DibFromBitmap(*surface, 8, 1, nullptr));
+    written.push_back(DibFromBitmap(*surface, 24, 0, nullptr));
     MemorySink sink;
-    ASSERT_TRUE(DibWriteBlock(*first, sink));
-    const size_t firstLength = sink.Bytes().size();
-    ASSERT_TRUE(DibWriteBlock(*second, sink));
-    EXPECT_EQ(LoadLe32(sink.Bytes().data()) + 4, firstLength);
+    std::vector<uint64_t> ends;
+    for (const DibPtr& dib : written) {
+        ASSERT_TRUE(dib && DibWriteBlock(*dib, sink));
+        ends.push_back(sink.Bytes().size());
+    }
     MemorySource source(sink.Bytes());
-    const DibPtr readFirst = DibReadBlock(source, true);
-    ASSERT_TRUE(readFirst);
-    EXPECT_EQ(source.Position(), firstLength);
-    const DibPtr readSecond = DibReadBlock(source, true);
-    ASSERT_TRUE(readSecond);
-    EXPECT_EQ(readFirst->bytes, first->bytes);
-    EXPECT_EQ(readSecond->bytes, second->bytes);
+    for (size_t i = 0; i < written.size(); ++i) {
+        const DibPtr read = DibReadBlock(source, true);
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->bytes, written[i]->bytes);
+        EXPECT_EQ(source.Position(), ends[i]);
+    }
 }
 
 TEST(DibBlockFile, WritesOnlyBlocksItCanExplain)

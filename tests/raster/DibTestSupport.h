@@ -1,5 +1,5 @@
 // Helpers shared by the DIB tests: surfaces drawn from a colour function,
-// DIBs painted back onto a surface, packed DIBs and .bmp bytes.
+// DIBs painted back onto a surface, and packed DIBs.
 #pragma once
 
 #include "platform/ByteStream.h"
@@ -53,19 +53,6 @@ inline Bytes PackedDib(int32_t width, int32_t height, uint16_t bitCount, DibComp
     for (ColorRef c : colors) bytes.insert(bytes.end(), {BlueOf(c), GreenOf(c), RedOf(c), 0});
     bytes.insert(bytes.end(), image.begin(), image.end());
     return bytes;
-}
-
-inline Bytes WriteBmpBytes(DibBlock& dib)
-{
-    MemorySink sink;
-    if (!DibWriteBmp(dib, sink)) return {};
-    return sink.Bytes();
-}
-
-inline DibPtr ReadBmpBytes(const Bytes& bytes, bool sized = false)
-{
-    MemorySource source(bytes);
-    return DibReadBlock(source, sized);
 }
 
 } // namespace bvx::test

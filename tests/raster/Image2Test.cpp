@@ -14,24 +14,21 @@ namespace {
 
 // Logs the size of each write; fails writes from the `failFrom`-th on, and
 // flushes when asked to.
-class RecordingSink final : public ByteSink {
-public:
+struct RecordingSink final : ByteSink {
     RecordingSink(std::vector<size_t>& writes, std::vector<uint8_t>& bytes, int failFrom = -1, bool failFlush = false)
-        : writes_(writes), bytes_(bytes), failFrom_(failFrom), failFlush_(failFlush) {}
+        : writes(writes), bytes(bytes), failFrom(failFrom), failFlush(failFlush) {}
     bool Write(const void* data, size_t count) override
     {
-        if (failFrom_ >= 0 && int(writes_.size()) >= failFrom_) return false;
-        writes_.push_back(count);
-        bytes_.insert(bytes_.end(), static_cast<const uint8_t*>(data), static_cast<const uint8_t*>(data) + count);
+        if (failFrom >= 0 && int(writes.size()) >= failFrom) return false;
+        writes.push_back(count);
+        bytes.insert(bytes.end(), static_cast<const uint8_t*>(data), static_cast<const uint8_t*>(data) + count);
         return true;
     }
-    bool Flush() override { return !failFlush_; }
-
-private:
-    std::vector<size_t>& writes_;
-    std::vector<uint8_t>& bytes_;
-    int failFrom_;
-    bool failFlush_;
+    bool Flush() override { return !failFlush; }
+    std::vector<size_t>& writes;
+    std::vector<uint8_t>& bytes;
+    int failFrom;
+    bool failFlush;
 };
 
 std::vector<uint8_t> Sequence(size_t n)
@@ -114,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(Table, Image2Failure,
                          testing::Values(FailureCase{"buffer write", 0, false, 6000, {"Error 4"}},
                                          FailureCase{"final flush", 0, false, 100, {"Error 5"}},
                                          FailureCase{"flush to disk", -1, true, 100, {"Error 5", "Error 2"}},
-                                         FailureCase{"close", -1, true, SIZE_MAX, {"Error 2"}}));
+                                         FailureCase{"close alone", -1, true, SIZE_MAX, {"Error 2"}}));
 
 TEST(Image2Errors, UncreatableFileAndBaseClassOperations)
 {

@@ -15,13 +15,13 @@ struct Surface {
     {
         for (uint32_t& p : bitmap->Pixels()) p = fill;
     }
-    // The pixels that are not `background`.
-    std::set<std::pair<int32_t, int32_t>> Marked(ColorRef background = kWhite) const
+    // The pixels that are not white.
+    std::set<std::pair<int32_t, int32_t>> Marked() const
     {
         std::set<std::pair<int32_t, int32_t>> s;
         for (int32_t y = 0; y < bitmap->Height(); ++y)
             for (int32_t x = 0; x < bitmap->Width(); ++x)
-                if (bitmap->Pixel(x, y) != background) s.insert({x, y});
+                if (bitmap->Pixel(x, y) != kWhite) s.insert({x, y});
         return s;
     }
 };
