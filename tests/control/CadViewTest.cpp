@@ -118,23 +118,6 @@ TEST_F(View, CancelMouseOnlyActsDuringADraw)
     EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1"})); // the half-made shape goes
 }
 
-TEST_F(View, DeletingAShapeDeselectsForgetsAndReports)
-{
-    auto* a = AddRect(10, 10, 20, 20);
-    view.Buf.Select(a);
-    sink.events.clear();
-    EXPECT_TRUE(view.DeleteShape(a, true));
-    EXPECT_TRUE(view.Buf.Selection.empty());
-    EXPECT_EQ(view.Buf.FindShape(1), nullptr);
-    EXPECT_TRUE(view.Buf.Layers[1]->Shapes.empty());
-    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberDeleted 1"}));
-    EXPECT_FALSE(view.DeleteShape(nullptr, true));
-    auto* quiet = AddRect(1, 1, 2, 2);
-    sink.events.clear();
-    EXPECT_TRUE(view.DeleteShape(quiet, false));
-    EXPECT_TRUE(sink.events.empty());
-}
-
 TEST_F(View, EffectiveAttributesWalkShapeThenLayer)
 {
     auto* r = AddRect(10, 10, 20, 20);
@@ -165,21 +148,6 @@ TEST_F(View, TextCaretFollowsTheTracker)
     view.Buf.ShowTracker = false;
     view.ShowTextCaret(true);
     EXPECT_TRUE(window.calls.empty());
-}
-
-TEST_F(View, ClearSelectionInvalidatesBeforeDeselecting)
-{
-    auto* a = AddRect(10, 10, 20, 20);
-    auto* b = AddRect(30, 30, 40, 40);
-    view.Buf.Select(a);
-    view.Buf.Select(b);
-    window.invalidated.clear();
-    view.ClearSelection(a);
-    EXPECT_EQ(window.invalidated.size(), 1u);
-    EXPECT_EQ(view.Buf.Selection, (std::vector<CObjShape*>{b}));
-    view.ClearSelection(nullptr);
-    EXPECT_TRUE(view.Buf.Selection.empty());
-    EXPECT_EQ(window.invalidated.size(), 2u);
 }
 
 TEST_F(View, MouseMoveEventIsTheOnlyRoundedOne)
