@@ -382,7 +382,7 @@ bool CadBuf::GroupAddSelection(CObjShape* group)
     if (!group) return false;
     struct Keyed {
         int64_t key;
-        int32_t Number;
+        int32_t number;
     };
     std::vector<Keyed> order;
     while (!Selection.empty()) {
@@ -397,7 +397,7 @@ bool CadBuf::GroupAddSelection(CObjShape* group)
     }
     // A stable sort keeps ties in the order they were taken.
     std::stable_sort(order.begin(), order.end(), [](const Keyed& a, const Keyed& b) { return a.key < b.key; });
-    for (const Keyed& k : order) GroupAddShape(group, FindShape(k.Number));
+    for (const Keyed& k : order) GroupAddShape(group, FindShape(k.number));
     return true;
 }
 

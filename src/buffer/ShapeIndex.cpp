@@ -15,9 +15,9 @@ void ShapeIndex::Rehash(size_t capacity)
     shift_ = 64;
     for (size_t c = capacity; c > 1; c >>= 1) --shift_;
     for (const Slot& slot : old) {
-        if (!slot.Shape) continue;
-        size_t i = SlotOf(slot.Number);
-        while (slots_[i].Shape) i = (i + 1) & mask_;
+        if (!slot.shape) continue;
+        size_t i = SlotOf(slot.number);
+        while (slots_[i].shape) i = (i + 1) & mask_;
         slots_[i] = slot;
     }
 }
@@ -28,9 +28,9 @@ void ShapeIndex::Insert(int32_t number, CObjShape* shape)
     // At most half full, so that a probe ends within a line or two.
     if ((count_ + 1) * 2 > slots_.size()) Rehash(slots_.empty() ? kMinCapacity : slots_.size() * 2);
     size_t i = SlotOf(number);
-    for (; slots_[i].Shape; i = (i + 1) & mask_) {
-        if (slots_[i].Number == number) {
-            slots_[i].Shape = shape;
+    for (; slots_[i].shape; i = (i + 1) & mask_) {
+        if (slots_[i].number == number) {
+            slots_[i].shape = shape;
             return;
         }
     }
@@ -42,13 +42,13 @@ void ShapeIndex::Erase(int32_t number, const CObjShape* shape)
 {
     if (count_ == 0) return;
     size_t i = SlotOf(number);
-    for (; slots_[i].Shape; i = (i + 1) & mask_)
-        if (slots_[i].Number == number) break;
-    if (!slots_[i].Shape || slots_[i].Shape != shape) return;
+    for (; slots_[i].shape; i = (i + 1) & mask_)
+        if (slots_[i].number == number) break;
+    if (!slots_[i].shape || slots_[i].shape != shape) return;
     // Backward shift: later entries of the run move up, so no tombstones
     // lengthen the probes.
-    for (size_t hole = i, j = (i + 1) & mask_; slots_[j].Shape; j = (j + 1) & mask_) {
-        size_t home = SlotOf(slots_[j].Number);
+    for (size_t hole = i, j = (i + 1) & mask_; slots_[j].shape; j = (j + 1) & mask_) {
+        size_t home = SlotOf(slots_[j].number);
         // Move j into the hole unless its home lies cyclically in (hole, j].
         bool homeBetween = hole <= j ? (hole < home && home <= j) : (hole < home || home <= j);
         if (homeBetween) continue;

@@ -18,8 +18,8 @@ public:
         if (count_ == 0) return nullptr;
         for (size_t i = SlotOf(number);; i = (i + 1) & mask_) {
             const Slot& slot = slots_[i];
-            if (!slot.Shape) return nullptr;
-            if (slot.Number == number) return slot.Shape;
+            if (!slot.shape) return nullptr;
+            if (slot.number == number) return slot.shape;
         }
     }
     // Enters or replaces the shape under its number.
@@ -32,8 +32,8 @@ public:
 
 private:
     struct Slot {
-        int32_t Number = 0;
-        CObjShape* Shape = nullptr; // null: the slot is free
+        int32_t number = 0;
+        CObjShape* shape = nullptr; // null: the slot is free
     };
 
     size_t SlotOf(int32_t number) const
