@@ -5,7 +5,7 @@ ROOT="$(cd "$(dirname "$0")/.." && pwd)"
 cd "$ROOT"
 bash scripts/setup.sh
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release
-ninja -C build/release -j2 bvxcad
+ninja -C build/release -j"$(nproc)" bvxcad
 OUT="$ROOT/build/testcard.bmp"
 build/release/src/hosts/cli/bvxcad testcard "$OUT"
 echo "The picture is at $OUT"

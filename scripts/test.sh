@@ -1,43 +1,128 @@
 #!/usr/bin/env bash
-# Every test: native, sanitizers, Windows under Wine, the WebAssembly build
-# and a short fuzz run. Benchmarks are built, not run.
+# Every test: native, a program built against the installed library,
+# sanitizers, Windows under Wine, the WebAssembly build and a short fuzz run.
+# Benchmarks are built, not run.
+#   bash scripts/test.sh               every step, in order
+#   bash scripts/test.sh STEP [STEP]   only those steps (see --help)
+# BVX_BUILD_ROOT moves the build folders (default build/), BVX_JOBS the
+# parallelism (default: every processor), BVX_FUZZ_SECONDS the fuzz run.
 set -euo pipefail
 ROOT="$(cd "$(dirname "$0")/.." && pwd)"
 cd "$ROOT"
+
+STEPS=(native consumer asan mingw wasm fuzz)
+usage() {
+  cat <<'EOF'
+usage: bash scripts/test.sh [STEP...]
+With no step, runs every step in this order:
+  native    release build, the test suite, example scripts, fidelity under Wine
+  consumer  installs the release build into build/install and builds and runs
+            examples/consumer against it (builds the release tree if needed)
+  asan      the suite with address and undefined-behaviour sanitizers
+  mingw     Windows cross build, the suite under Wine
+  wasm      WebAssembly build of the core with Emscripten
+  fuzz      a short libFuzzer run of the bitmap reader
+EOF
+}
+
+selected=()
+for arg in "$@"; do
+  case "$arg" in
+    -h | --help) usage; exit 0 ;;
+  esac
+  if [[ " ${STEPS[*]} " == *" $arg "* ]]; then
+    selected+=("$arg")
+  else
+    echo "test.sh: unknown step '$arg'" >&2
+    usage >&2
+    exit 2
+  fi
+done
+((${#selected[@]})) || selected=("${STEPS[@]}")
+
 bash scripts/setup.sh
 
-JOBS=2
+JOBS="${BVX_JOBS:-$(nproc)}"
+BUILD="$(realpath -m "${BVX_BUILD_ROOT:-build}")"
 FUZZ_SECONDS="${BVX_FUZZ_SECONDS:-60}"
 step() { printf '\n=== %s (at %ds) ===\n' "$*" "$SECONDS"; }
 
-step "native release build and tests"
-cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DBVX_FIDELITY=ON
-ninja -C build/release -j$JOBS
-ctest --test-dir build/release --output-on-failure
+# The native and consumer steps share this tree; the same options keep a
+# consumer run alone from reconfiguring what the native step built.
+configure_release() {
+  cmake -S . -B "$BUILD/release" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBVX_FIDELITY=ON
+}
 
-step "address and undefined-behaviour sanitizers"
-cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBVX_SANITIZE=ON -DBVX_BENCH=OFF -DBVX_FIDELITY=ON
-ninja -C build/asan -j$JOBS
-ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --test-dir build/asan --output-on-failure
+step_native() {
+  step "native release build and tests"
+  configure_release
+  ninja -C "$BUILD/release" -j"$JOBS"
+  ctest --test-dir "$BUILD/release" --output-on-failure
+}
 
-step "Windows cross build, tests under Wine"
-cmake -S . -B build/mingw -G Ninja -DCMAKE_BUILD_TYPE=Release \
-  -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" -DBVX_BENCH=OFF
-ninja -C build/mingw -j$JOBS
-ctest --test-dir build/mingw --output-on-failure
+step_consumer() {
+  step "installed library used by another CMake project"
+  configure_release
+  ninja -C "$BUILD/release" -j"$JOBS"
+  rm -rf "$BUILD/install" "$BUILD/consumer"
+  cmake --install "$BUILD/release" --prefix "$BUILD/install"
+  # A relocatable package names no path of the source or build tree.
+  if grep -rlF -e "$ROOT/src" -e "$BUILD/release" "$BUILD/install/lib/cmake/bvxcad"; then
+    echo "test.sh: the installed package refers to the source or build tree" >&2
+    exit 1
+  fi
+  cmake -S examples/consumer -B "$BUILD/consumer" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_PREFIX_PATH="$BUILD/install" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
+  # It must have found this install, not another copy on the machine.
+  grep -qxF "bvxcad_DIR:PATH=$BUILD/install/lib/cmake/bvxcad" "$BUILD/consumer/CMakeCache.txt" || {
+    echo "test.sh: the consumer found bvxcad somewhere else than $BUILD/install" >&2
+    exit 1
+  }
+  ninja -C "$BUILD/consumer" -j"$JOBS"
+  "$BUILD/consumer/consumer"
+}
 
-step "WebAssembly build"
-export NODE_PATH=/usr/share/nodejs
-emcmake cmake -S . -B build/wasm -G Ninja -DCMAKE_BUILD_TYPE=Release -DBVX_TESTS=OFF -DBVX_BENCH=OFF
-ninja -C build/wasm -j$JOBS
+step_asan() {
+  step "address and undefined-behaviour sanitizers"
+  cmake -S . -B "$BUILD/asan" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBVX_SANITIZE=ON -DBVX_BENCH=OFF -DBVX_FIDELITY=ON
+  ninja -C "$BUILD/asan" -j"$JOBS"
+  ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --test-dir "$BUILD/asan" --output-on-failure
+}
 
-step "fuzzing the bitmap reader for ${FUZZ_SECONDS}s"
-CC=clang-14 CXX=clang++-14 cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-  -DBVX_FUZZ=ON -DBVX_TESTS=OFF -DBVX_BENCH=OFF
-ninja -C build/fuzz -j$JOBS
-# New inputs go to a scratch copy; the committed corpus changes only by hand.
-rm -rf build/fuzz/corpus && mkdir -p build/fuzz/corpus && cp fuzz/corpus/dib_read/* build/fuzz/corpus/
-build/fuzz/fuzz/dib_read_fuzzer -max_total_time="$FUZZ_SECONDS" -max_len=8192 -print_final_stats=1 \
-  build/fuzz/corpus
+step_mingw() {
+  step "Windows cross build, tests under Wine"
+  cmake -S . -B "$BUILD/mingw" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" -DBVX_BENCH=OFF
+  ninja -C "$BUILD/mingw" -j"$JOBS"
+  ctest --test-dir "$BUILD/mingw" --output-on-failure
+}
 
-step "all suites passed"
+step_wasm() {
+  step "WebAssembly build"
+  # Debian's emscripten loads acorn and its other node modules from
+  # /usr/share/nodejs, which not every node searches; see the README.
+  export NODE_PATH=/usr/share/nodejs
+  emcmake cmake -S . -B "$BUILD/wasm" -G Ninja -DCMAKE_BUILD_TYPE=Release -DBVX_TESTS=OFF -DBVX_BENCH=OFF
+  ninja -C "$BUILD/wasm" -j"$JOBS"
+}
+
+step_fuzz() {
+  step "fuzzing the bitmap reader for ${FUZZ_SECONDS}s"
+  CC=clang-14 CXX=clang++-14 cmake -S . -B "$BUILD/fuzz" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+    -DBVX_FUZZ=ON -DBVX_TESTS=OFF -DBVX_BENCH=OFF
+  ninja -C "$BUILD/fuzz" -j"$JOBS"
+  # New inputs go to a scratch copy; the committed corpus changes only by hand.
+  rm -rf "$BUILD/fuzz/corpus" && mkdir -p "$BUILD/fuzz/corpus" && cp fuzz/corpus/dib_read/* "$BUILD/fuzz/corpus/"
+  "$BUILD/fuzz/fuzz/dib_read_fuzzer" -max_total_time="$FUZZ_SECONDS" -max_len=8192 -print_final_stats=1 \
+    "$BUILD/fuzz/corpus"
+}
+
+for s in "${selected[@]}"; do
+  "step_$s"
+done
+
+if (($# == 0)); then
+  step "all suites passed"
+else
+  step "passed: ${selected[*]}"
+fi
