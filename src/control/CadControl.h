@@ -251,6 +251,7 @@ public:
 
 private:
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
+    void PutWorldEdge(double& edge, double value, int32_t mode);
     // Makes a shape of a type on a layer and sets its first two points.
     int32_t DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer);
     // The record a write changes: the shape's own, made from the one in force.
@@ -261,6 +262,8 @@ private:
     void WriteLayerAttr(int16_t layer, AttrField field, int64_t value);
     // The change pattern around one shape: old bounds, change, new bounds.
     template <typename Change> void ChangeShape(CObjShape& shape, Change change);
+    // A layer's change repaints the view; a bad layer number changes nothing.
+    template <typename Change> void ChangeLayer(int16_t layer, Change change);
     void TransformShape(CObjShape& shape, const TransformRequest& request);
     TransformRequest LayerStepRequest(TransformRequest request) const;
     void TransformLayer(int16_t layer, TransformRequest request);
@@ -275,6 +278,14 @@ template <typename Change> void CadControl::ChangeShape(CObjShape& shape, Change
     view_.InvalidateShape(&shape, false);
     change();
     view_.InvalidateShape(&shape, true);
+}
+
+template <typename Change> void CadControl::ChangeLayer(int16_t layer, Change change)
+{
+    CadLayer* l = view_.Buf.Layer(layer);
+    if (!l) return;
+    change(*l);
+    view_.Redraw(RedrawMode::Full);
 }
 
 } // namespace bvx

@@ -69,10 +69,9 @@ int64_t CadControl::ReadLayerAttr(int16_t layer, AttrField field)
 
 void CadControl::WriteLayerAttr(int16_t layer, AttrField field, int64_t value)
 {
-    CadLayer* l = view_.Buf.Layer(layer);
-    if (!l || !l->Attr) return;
-    Access(field).write(*l->Attr, view_, value);
-    view_.Redraw(RedrawMode::Full);
+    ChangeLayer(layer, [&](CadLayer& l) {
+        if (l.Attr) Access(field).write(*l.Attr, view_, value);
+    });
 }
 
 uint32_t CadControl::GetShapePenFg(int32_t n) { return uint32_t(ReadShapeAttr(n, AttrField::PenFg)); }

@@ -56,10 +56,7 @@ int16_t CadControl::GetLayerAction(int16_t layer)
 
 void CadControl::PutLayerAction(int16_t layer, int16_t action)
 {
-    CadLayer* l = view_.Buf.Layer(layer);
-    if (!l) return;
-    l->SetAction(action);
-    view_.Redraw(RedrawMode::Full);
+    ChangeLayer(layer, [&](CadLayer& l) { l.SetAction(action); });
 }
 
 int16_t CadControl::GetLayerSearchMethod(int16_t type)
@@ -81,10 +78,7 @@ int16_t CadControl::GetLayerLineType(int16_t layer)
 
 void CadControl::PutLayerLineType(int16_t layer, int16_t type)
 {
-    CadLayer* l = view_.Buf.Layer(layer);
-    if (!l) return;
-    l->SetLineType(type);
-    view_.Redraw(RedrawMode::Full);
+    ChangeLayer(layer, [&](CadLayer& l) { l.SetLineType(type); });
 }
 
 int32_t CadControl::GetLayerShapeCount(int16_t layer)

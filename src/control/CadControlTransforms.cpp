@@ -49,47 +49,23 @@ void CadControl::LayerTransform(int16_t layer, int16_t mode, double pivotX, doub
 namespace {
 TransformRequest Rotation(double degrees, double x, double y)
 {
-    TransformRequest r;
-    r.mode = TransformBits::Rotate;
-    r.angleDegrees = degrees;
-    r.pivotX = x;
-    r.pivotY = y;
-    return r;
+    return {.mode = TransformBits::Rotate, .pivotX = x, .pivotY = y, .angleDegrees = degrees};
 }
 TransformRequest Reflection(int16_t mode, double x, double y)
 {
-    TransformRequest r;
-    r.mode = TransformBits::Reflect;
-    r.reflectMode = mode;
-    r.pivotX = x;
-    r.pivotY = y;
-    return r;
+    return {.mode = TransformBits::Reflect, .pivotX = x, .pivotY = y, .reflectMode = mode};
 }
 TransformRequest Translation(double dx, double dy)
 {
-    TransformRequest r;
-    r.mode = TransformBits::Translate;
-    r.translateX = dx;
-    r.translateY = dy;
-    return r;
+    return {.mode = TransformBits::Translate, .translateX = dx, .translateY = dy};
 }
 TransformRequest Shearing(int16_t mode, double displacement)
 {
-    TransformRequest r;
-    r.mode = TransformBits::Shear;
-    r.shearMode = mode;
-    r.shear = displacement;
-    return r;
+    return {.mode = TransformBits::Shear, .shearMode = mode, .shear = displacement};
 }
 TransformRequest Scaling(double x, double y, double fx, double fy)
 {
-    TransformRequest r;
-    r.mode = TransformBits::Scale;
-    r.pivotX = x;
-    r.pivotY = y;
-    r.scaleX = fx;
-    r.scaleY = fy;
-    return r;
+    return {.mode = TransformBits::Scale, .pivotX = x, .pivotY = y, .scaleX = fx, .scaleY = fy};
 }
 } // namespace
 

@@ -16,26 +16,15 @@ double CadControl::GetWorldRight() { return view_.World.RoundCoord(view_.World.W
 double CadControl::GetWorldBottom() { return view_.World.RoundCoord(view_.World.WorldBottom); }
 
 // Left and right let the X scale decide a square world, top and bottom the Y.
-void CadControl::PutWorldLeft(double v)
+void CadControl::PutWorldEdge(double& edge, double value, int32_t mode)
 {
-    view_.World.SetEdge(view_.World.WorldLeft, v, 2);
+    view_.World.SetEdge(edge, value, mode);
     view_.Redraw(RedrawMode::Full);
 }
-void CadControl::PutWorldRight(double v)
-{
-    view_.World.SetEdge(view_.World.WorldRight, v, 2);
-    view_.Redraw(RedrawMode::Full);
-}
-void CadControl::PutWorldTop(double v)
-{
-    view_.World.SetEdge(view_.World.WorldTop, v, 1);
-    view_.Redraw(RedrawMode::Full);
-}
-void CadControl::PutWorldBottom(double v)
-{
-    view_.World.SetEdge(view_.World.WorldBottom, v, 1);
-    view_.Redraw(RedrawMode::Full);
-}
+void CadControl::PutWorldLeft(double v) { PutWorldEdge(view_.World.WorldLeft, v, 2); }
+void CadControl::PutWorldRight(double v) { PutWorldEdge(view_.World.WorldRight, v, 2); }
+void CadControl::PutWorldTop(double v) { PutWorldEdge(view_.World.WorldTop, v, 1); }
+void CadControl::PutWorldBottom(double v) { PutWorldEdge(view_.World.WorldBottom, v, 1); }
 
 void CadControl::WorldSet(double left, double top, double right, double bottom)
 {
