@@ -42,10 +42,8 @@ protected:
     CadControl control;
 };
 
-TEST_F(Host, NamesMatchWhateverTheirCase)
+TEST_F(Host, UnknownNamesAndKindsAreRefused)
 {
-    EXPECT_EQ(Get(u"layercount"), Variant::I2(2));
-    EXPECT_EQ(Get(u"LAYERNAMES"), S(u"Buffer Layer,Layer 1,"));
     Variant unused;
     EXPECT_EQ(control.Invoke(u"NoSuchMember", Kind::Method, {}, &unused), hresult::UnknownName);
     EXPECT_EQ(control.Invoke(9999, Kind::Method, {}, &unused), hresult::MemberNotFound);
@@ -63,31 +61,6 @@ TEST_F(Host, ArgumentsConvertAsThePlatformDoes)
     Call(u"DrawLine", {R(0), R(0), R(1), R(1), I(1), I(1)}, hresult::BadParamCount);
     Call(u"DrawLine", {R(0), R(0), Variant::Missing(), R(1), I(1)}, hresult::ParamNotOptional);
     EXPECT_EQ(Get(u"CadShapeCount"), I(0));
-}
-
-TEST_F(Host, OmittedLayerPutsShapesOnTheBufferLayer)
-{
-    Variant first = Call(u"DrawLine", {R(0), R(0), R(10), R(10)});
-    Variant second = Call(u"DrawLine", {R(0), R(0), R(10), R(10), Variant::Missing()});
-    Variant third = Call(u"DrawLine", {R(0), R(0), R(10), R(10), I(1)});
-    EXPECT_EQ(first, I(1));
-    EXPECT_EQ(Call(u"ShapeOnLayer", {first}), Variant::I2(0));
-    EXPECT_EQ(Call(u"ShapeOnLayer", {second}), Variant::I2(0));
-    EXPECT_EQ(Call(u"ShapeOnLayer", {third}), Variant::I2(1));
-    EXPECT_EQ(Get(u"LayerShapeCount", {I(0)}), I(2));
-    EXPECT_EQ(Call(u"DrawLine", {R(0), R(0), R(10), R(10), I(5)}), I(-1));
-    EXPECT_EQ(Call(u"ShapeHitTest", {R(5), R(5)}), I(3)); // the Buffer Layer is never searched
-}
-
-TEST_F(Host, AToolWithoutAClassIsStoredButNotRead)
-{
-    Put(u"ViewMouseTool", {I(16)});
-    EXPECT_EQ(control.View().CurrentTool, 16);
-    EXPECT_EQ(Get(u"ViewMouseTool"), Variant::Error(777)); // the output is left alone
-    Put(u"ViewMouseTool", {I(bvxEllipse)});
-    EXPECT_EQ(Get(u"ViewMouseTool"), I(bvxEllipse));
-    Put(u"ViewPersistMouseTool", {Variant::Bool(false)});
-    EXPECT_EQ(Get(u"ViewMouseTool"), I(bvxSelect));
 }
 
 TEST_F(Host, DesignTimeGatesTheRowsThatSaySo)
