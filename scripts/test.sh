@@ -66,15 +66,19 @@ step_consumer() {
   ninja -C "$BUILD/release" -j"$JOBS"
   rm -rf "$BUILD/install" "$BUILD/consumer"
   cmake --install "$BUILD/release" --prefix "$BUILD/install"
+  local config package
+  config="$(find "$BUILD/install" -name bvxcadConfig.cmake -print -quit)"
+  [[ -n "$config" ]] || { echo "test.sh: no bvxcadConfig.cmake under $BUILD/install" >&2; exit 1; }
+  package="$(dirname "$config")"
   # A relocatable package names no path of the source or build tree.
-  if grep -rlF -e "$ROOT/src" -e "$BUILD/release" "$BUILD/install/lib/cmake/bvxcad"; then
+  if grep -rlF -e "$ROOT/src" -e "$BUILD/release" "$package"; then
     echo "test.sh: the installed package refers to the source or build tree" >&2
     exit 1
   fi
   cmake -S examples/consumer -B "$BUILD/consumer" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_PREFIX_PATH="$BUILD/install" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
   # It must have found this install, not another copy on the machine.
-  grep -qxF "bvxcad_DIR:PATH=$BUILD/install/lib/cmake/bvxcad" "$BUILD/consumer/CMakeCache.txt" || {
+  grep -qxF "bvxcad_DIR:PATH=$package" "$BUILD/consumer/CMakeCache.txt" || {
     echo "test.sh: the consumer found bvxcad somewhere else than $BUILD/install" >&2
     exit 1
   }
