@@ -4,6 +4,7 @@
 #pragma once
 
 #include "CadView.h"
+#include "ContainerNotify.h"
 #include "MemberSpec.h"
 #include "Variant.h"
 
@@ -48,6 +49,20 @@ public:
 
     // The design-time gate: with no window, run time.
     bool UserMode() const;
+
+    // A host's paint: the window the control now lives in, its device
+    // context (clipped to what needs painting) and its client rectangle.
+    void OnDraw(HostWindow* window, DeviceContext& dc, const DeviceRect& clientBounds);
+
+    // The container's notices. Sinks are called in the order they came; a
+    // frozen control asks and tells the property sinks nothing.
+    void AdvisePropertyNotify(PropertyNotifySink* sink);
+    void UnadvisePropertyNotify(PropertyNotifySink* sink);
+    void SetViewChangeSink(ViewChangeSink* sink) { viewSink_ = sink; }
+    void FreezeEvents(bool freeze) { freezeCount_ += freeze ? 1 : (freezeCount_ > 0 ? -1 : 0); }
+    // Changed since the container last saved it.
+    bool IsDirty() const { return dirty_; }
+    void SetDirty(bool dirty) { dirty_ = dirty; }
 
     // ---- the members, one method per row of the table ----
     void Refresh();
@@ -128,7 +143,7 @@ public:
     double GetGridWidth();
     void PutGridWidth(double v);
     double GetGridHeight();
-    void PutGridHeight(double v);
+    Status PutGridHeight(double v);
     int16_t GetGridDrawOrder();
     void PutGridDrawOrder(int16_t v);
 
@@ -269,8 +284,15 @@ private:
     void TransformLayer(int16_t layer, TransformRequest request);
     double RoundPoint(const CObjShape& shape, int16_t point, double value) const;
 
+    // A bindable property's write: asks the sinks, stores, tells them.
+    template <typename Store> Status ChangeBindable(int32_t dispid, bool unchanged, Store store);
+
     CadView view_;
     uint32_t backColor_ = 0xFFFFFF;
+    std::vector<PropertyNotifySink*> propertySinks_;
+    ViewChangeSink* viewSink_ = nullptr;
+    int32_t freezeCount_ = 0;
+    bool dirty_ = false;
 };
 
 template <typename Change> void CadControl::ChangeShape(CObjShape& shape, Change change)

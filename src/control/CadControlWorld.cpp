@@ -197,12 +197,6 @@ void CadControl::PutGridWidth(double v)
     view_.Redraw(RedrawMode::Full);
 }
 double CadControl::GetGridHeight() { return view_.World.GridHeight; }
-void CadControl::PutGridHeight(double v)
-{
-    if (v == view_.World.GridHeight) return;
-    view_.World.GridHeight = view_.World.RoundCoord(v);
-    Refresh();
-}
 int16_t CadControl::GetGridDrawOrder() { return view_.World.GridDrawOrder; }
 void CadControl::PutGridDrawOrder(int16_t v)
 {

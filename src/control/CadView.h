@@ -55,6 +55,10 @@ public:
     int16_t HiddenViewDialogType = 0;
     int32_t HiddenViewDialogData = 0;
 
+    // Paints the view into a window's device over its client rectangle,
+    // through the back buffer; the entry of every host's paint.
+    void Paint(DeviceContext& target, const DeviceRect& clientBounds);
+
     // Invalidation: the only ways pixels get changed.
     void Redraw(int32_t mode);
     void InvalidateShape(const CObjShape* shape, bool commit) override;
@@ -101,6 +105,7 @@ public:
     void FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle);
 
 private:
+    void RepaintBackBuffer(DeviceContext& memory, const DeviceRect& bounds);
     void InvalidateWindow(const DeviceRect* rect, bool erase);
 };
 

@@ -90,4 +90,16 @@ inline constexpr EventRow kEventRows[] = {
 };
 #undef BVX_EVENT
 
+// Each member's dispid under its name, for code that must name a member to
+// the container (which property changed).
+namespace dispid {
+#define BVX_METHOD(Id, Name, ...) inline constexpr int32_t Name = Id;
+#define BVX_GET(Id, Name, ...) inline constexpr int32_t Name = Id;
+#define BVX_GETPUT(Id, Name, ...) inline constexpr int32_t Name = Id;
+#include "MemberTable.def"
+#undef BVX_METHOD
+#undef BVX_GET
+#undef BVX_GETPUT
+} // namespace dispid
+
 } // namespace bvx::members

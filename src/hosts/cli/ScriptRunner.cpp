@@ -122,10 +122,39 @@ std::string ScriptRunner::Execute(const HostCommand& command)
         std::vector<std::string> lines = events_.Take();
         if (lines.empty()) out_ << "no events\n";
         for (const std::string& line : lines) out_ << "event " << line << '\n';
+    } else if (command.name == "size") {
+        return SizeWindow(command.text);
+    } else if (command.name == "paint") {
+        if (!window_.Exists()) return ".paint needs a window: give it one with .size first";
+        PaintWindow();
+    } else if (command.name == "save") {
+        if (!window_.Exists()) return ".save needs a window: give it one with .size first";
+        if (command.text.empty()) return ".save needs a file name";
+        if (!WriteBitmapFile(*window_.Surface(), command.text)) return "cannot write " + command.text;
     } else {
         return "unknown host command '." + command.name + "'";
     }
     return {};
+}
+
+std::string ScriptRunner::SizeWindow(const std::string& text)
+{
+    // "W, H" in pixels; a window larger than a screen is refused.
+    constexpr long kMaxSide = 16384;
+    long width = 0, height = 0;
+    char comma = 0, extra = 0;
+    if (std::sscanf(text.c_str(), "%ld %c %ld %c", &width, &comma, &height, &extra) != 3 || comma != ',' ||
+        width < 1 || height < 1 || width > kMaxSide || height > kMaxSide)
+        return ".size takes a width and a height, 1 to " + std::to_string(kMaxSide) + ": '" + text + "'";
+    window_.Resize(int32_t(width), int32_t(height));
+    PaintWindow();
+    return {};
+}
+
+void ScriptRunner::PaintWindow()
+{
+    if (std::unique_ptr<DeviceContext> dc = window_.BeginPaint())
+        control_.OnDraw(&window_, *dc, window_.GetClientRect());
 }
 
 std::string ScriptRunner::Execute(const MemberCall& call)

@@ -3,6 +3,7 @@
 // and the first failing line stops the script.
 #pragma once
 
+#include "CliWindow.h"
 #include "EventLog.h"
 #include "ScriptParser.h"
 #include "control/CadControl.h"
@@ -31,6 +32,8 @@ public:
     std::optional<ScriptError> Run(std::istream& script);
     // One line; what went wrong, or empty when it ran.
     std::string RunLine(std::string_view line);
+    // The window `.size` gives the control; it has no surface before that.
+    const CliWindow& Window() const { return window_; }
 
 private:
     std::string Execute(const BlankLine&) { return {}; }
@@ -39,6 +42,10 @@ private:
     std::string Execute(const PropertyAssignment& assignment);
     std::string Execute(const NameAssignment& assignment);
 
+    std::string SizeWindow(const std::string& text);
+    // Paints what is invalid, as the platform's WM_PAINT does.
+    void PaintWindow();
+
     std::string Resolve(const Argument& argument, Variant& value) const;
     std::string Invoke(const members::MemberRow& row, const std::vector<Argument>& args, Variant* result);
 
@@ -46,6 +53,7 @@ private:
     EventLog& events_;
     std::ostream& out_;
     std::map<std::string, Variant> kept_;
+    CliWindow window_;
 };
 
 } // namespace bvx::script

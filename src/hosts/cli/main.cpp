@@ -1,4 +1,5 @@
 // bvxcad: the command-line host of the drawing control.
+#include "CliWindow.h"
 #include "ScriptRunner.h"
 #include "TestCard.h"
 #include "platform/ByteStream.h"
@@ -21,20 +22,12 @@ int Usage()
     return 2;
 }
 
-bool WriteBitmapFile(const bvx::Bitmap& bitmap, const std::string& path)
-{
-    auto dib = bvx::DibFromBitmap(bitmap, 24, 0, nullptr);
-    if (!dib) return false;
-    auto file = bvx::FileSink::Create(path);
-    return file && bvx::DibWriteBmp(*dib, *file) && file->Close();
-}
-
 int RunTestCard(const std::string& path)
 {
     auto bitmap = bvx::CreateBitmap(bvx::kTestCardWidth, bvx::kTestCardHeight);
     bvx::RasterDeviceContext dc(bitmap);
     bvx::DrawTestCard(dc);
-    if (!WriteBitmapFile(*bitmap, path)) {
+    if (!bvx::script::WriteBitmapFile(*bitmap, path)) {
         std::fprintf(stderr, "bvxcad: cannot write %s\n", path.c_str());
         return 1;
     }

@@ -1,0 +1,75 @@
+#include "CliWindow.h"
+
+#include "platform/ByteStream.h"
+#include "platform/raster/RasterDeviceContext.h"
+#include "raster/Dib.h"
+
+#include <algorithm>
+
+namespace bvx::script {
+
+namespace {
+// Past this many pieces the invalid area is kept as their bounding box.
+constexpr size_t kMaxInvalidPieces = 16;
+} // namespace
+
+bool WriteBitmapFile(const Bitmap& bitmap, const std::string& path)
+{
+    auto dib = DibFromBitmap(bitmap, 24, 0, nullptr);
+    if (!dib) return false;
+    auto file = FileSink::Create(path);
+    return file && DibWriteBmp(*dib, *file) && file->Close();
+}
+
+void CliWindow::Resize(int32_t width, int32_t height)
+{
+    BitmapHandle resized = CreateBitmap(std::max(width, 1), std::max(height, 1));
+    // What the old surface showed stays where it was, as on a real window.
+    if (surface_) {
+        for (int32_t y = 0; y < std::min(surface_->Height(), resized->Height()); ++y) {
+            auto from = surface_->Row(y);
+            auto to = resized->Row(y);
+            std::copy_n(from.begin(), std::min(from.size(), to.size()), to.begin());
+        }
+    }
+    surface_ = std::move(resized);
+    invalid_.clear();
+    InvalidateRect(nullptr, true);
+}
+
+DeviceRect CliWindow::GetClientRect() const
+{
+    return surface_ ? DeviceRect{0, 0, surface_->Width(), surface_->Height()} : DeviceRect{};
+}
+
+void CliWindow::InvalidateRect(const DeviceRect* rect, bool)
+{
+    DeviceRect piece = (rect ? rect->Normalized() : GetClientRect()).Intersected(GetClientRect());
+    if (piece.IsEmpty()) return;
+    for (const DeviceRect& r : invalid_)
+        if (r.Intersected(piece) == piece) return;
+    invalid_.push_back(piece);
+    if (invalid_.size() > kMaxInvalidPieces) {
+        DeviceRect all{};
+        for (const DeviceRect& r : invalid_) all = all.United(r);
+        invalid_.assign(1, all);
+    }
+}
+
+std::unique_ptr<DeviceContext> CliWindow::GetDC()
+{
+    return surface_ ? std::make_unique<RasterDeviceContext>(surface_) : nullptr;
+}
+
+std::unique_ptr<DeviceContext> CliWindow::BeginPaint()
+{
+    if (!surface_ || invalid_.empty()) return nullptr;
+    auto dc = std::make_unique<RasterDeviceContext>(surface_);
+    DeviceRect all{};
+    for (const DeviceRect& r : invalid_) all = all.United(r);
+    dc->SelectClipRegion(&all);
+    invalid_.clear();
+    return dc;
+}
+
+} // namespace bvx::script
