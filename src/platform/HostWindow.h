@@ -4,6 +4,7 @@
 
 #include "DeviceContext.h"
 #include "Geometry.h"
+#include "PointerImage.h"
 
 #include <cstdint>
 #include <memory>
@@ -44,8 +45,9 @@ public:
     virtual void HideCaret() = 0;
     virtual void DestroyCaret() = 0;
 
-    // Pointer images by the platform's cursor resource number.
-    virtual void SetPointer(int32_t pointerId) = 0;
+    // Shows the image as the mouse pointer over the window, its hot spot at
+    // the mouse position; the window keeps its own copy.
+    virtual void SetPointerImage(const PointerImage& image) = 0;
     virtual void SetFocus() = 0;
 
     // Returns the chosen command, 0 if none.

@@ -20,6 +20,7 @@ public:
     DevicePoint cursor{500, 400};
     bool capture = false;
     bool userMode = true;
+    PointerImage pointer; // the image last shown
 
     void InvalidateRect(const DeviceRect* rect, bool) override { invalidated.push_back(rect ? *rect : client); }
     DeviceRect GetClientRect() const override { return client; }
@@ -58,7 +59,12 @@ public:
     void ShowCaret() override { calls.push_back("ShowCaret"); }
     void HideCaret() override { calls.push_back("HideCaret"); }
     void DestroyCaret() override { calls.push_back("DestroyCaret"); }
-    void SetPointer(int32_t id) override { calls.push_back("SetPointer " + std::to_string(id)); }
+    void SetPointerImage(const PointerImage& image) override
+    {
+        pointer = image;
+        calls.push_back("SetPointerImage " + std::to_string(image.width) + "x" + std::to_string(image.height) +
+                        " hot " + std::to_string(image.hotSpot.x) + "," + std::to_string(image.hotSpot.y));
+    }
     void SetFocus() override { calls.push_back("SetFocus"); }
     uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override { return 0; }
     int32_t ShowMessage(const std::u16string&, const std::u16string&, uint32_t) override { return 1; }
