@@ -3,6 +3,7 @@
 #pragma once
 
 #include "CadLayer.h"
+#include "PointerTable.h"
 #include "ShapeIndex.h"
 #include "shapes/CObjShape.h"
 #include "shapes/ShapeAttr.h"
@@ -42,6 +43,7 @@ public:
     int16_t CopyMode = 0;
     int16_t ShapeMoveMode = 0;
     int16_t MouseBounds = 0;
+    PointerTable Pointers; // images and roles; kept by CadClearAll
 
     // Mode setters: a value out of range stores 0 (the grid snap -1).
     void SetSnapMode(int16_t mode);
