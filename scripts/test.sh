@@ -21,7 +21,7 @@ With no step, runs every step in this order:
   asan      the suite with address and undefined-behaviour sanitizers
   mingw     Windows cross build, the suite under Wine
   wasm      WebAssembly build of the core with Emscripten
-  fuzz      a short libFuzzer run of the bitmap reader
+  fuzz      a short libFuzzer run of the bitmap and cursor readers
 EOF
 }
 
@@ -111,14 +111,19 @@ step_wasm() {
 }
 
 step_fuzz() {
-  step "fuzzing the bitmap reader for ${FUZZ_SECONDS}s"
+  local cursor_seconds=$((FUZZ_SECONDS < 30 ? FUZZ_SECONDS : 30))
+  step "fuzzing the bitmap reader for ${FUZZ_SECONDS}s and the cursor reader for ${cursor_seconds}s"
   CC=clang-14 CXX=clang++-14 cmake -S . -B "$BUILD/fuzz" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
     -DBVX_FUZZ=ON -DBVX_TESTS=OFF -DBVX_BENCH=OFF
   ninja -C "$BUILD/fuzz" -j"$JOBS"
-  # New inputs go to a scratch copy; the committed corpus changes only by hand.
-  rm -rf "$BUILD/fuzz/corpus" && mkdir -p "$BUILD/fuzz/corpus" && cp fuzz/corpus/dib_read/* "$BUILD/fuzz/corpus/"
-  "$BUILD/fuzz/fuzz/dib_read_fuzzer" -max_total_time="$FUZZ_SECONDS" -max_len=8192 -print_final_stats=1 \
-    "$BUILD/fuzz/corpus"
+  # READER SECONDS MAX_LEN: new inputs go to a scratch copy of the reader's
+  # corpus; the committed corpus changes only by hand.
+  fuzz_reader() {
+    rm -rf "$BUILD/fuzz/corpus/$1" && mkdir -p "$BUILD/fuzz/corpus/$1" && cp fuzz/corpus/"$1"/* "$BUILD/fuzz/corpus/$1/"
+    "$BUILD/fuzz/fuzz/$1_fuzzer" -max_total_time="$2" -max_len="$3" -print_final_stats=1 "$BUILD/fuzz/corpus/$1"
+  }
+  fuzz_reader dib_read "$FUZZ_SECONDS" 8192
+  fuzz_reader cursor_read "$cursor_seconds" 16384
 }
 
 for s in "${selected[@]}"; do
