@@ -264,6 +264,15 @@ public:
     int32_t GetLayerShapeCount(int16_t layer);
     Variant GetLayerShapeNumbers(int16_t layer);
 
+    // pointers
+    int16_t GetViewMousePointer(int16_t mouseMode);
+    void PutViewMousePointer(int16_t mouseMode, int16_t value);
+    int16_t ViewMouseIconAdd(std::u16string fileName);
+    // Not members of the interface: the hosts' and the tools' way to show a
+    // pointer value's image in the window, and the list index last shown.
+    void SetPointer(int16_t value);
+    int16_t GetPointer() const;
+
 private:
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
     void PutWorldEdge(double& edge, double value, int32_t mode);
