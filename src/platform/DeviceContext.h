@@ -82,6 +82,9 @@ public:
     // Clipping beyond the surface's own edges; an empty rectangle clips all.
     virtual bool IntersectClipRect(int32_t left, int32_t top, int32_t right, int32_t bottom) = 0;
     virtual void SelectClipRegion(const DeviceRect* rect) = 0; // null removes the clip
+    // The union of the rectangles becomes the clip, each normalized as
+    // CreateRectRgn does; an empty list clips all. For update regions.
+    virtual void SelectClipRects(std::span<const DeviceRect> rects) = 0;
 
     // State stack: SaveDC returns the new depth; RestoreDC takes a depth or a
     // negative count relative to the top.

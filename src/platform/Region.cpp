@@ -22,6 +22,23 @@ bool Region::PtInRegion(int32_t x, int32_t y) const
     return x < s->right;
 }
 
+Region Region::Intersected(const DeviceRect& rect) const
+{
+    Region out;
+    std::vector<Span> row;
+    for (const Band& b : bands_) {
+        const int32_t top = std::max(b.top, rect.top), bottom = std::min(b.bottom, rect.bottom);
+        if (top >= bottom) continue;
+        row.clear();
+        for (const Span& s : Spans().subspan(b.firstSpan, b.spanCount)) {
+            const int32_t left = std::max(s.left, rect.left), right = std::min(s.right, rect.right);
+            if (left < right) row.push_back({left, right});
+        }
+        out.AppendBand(top, bottom, row);
+    }
+    return out;
+}
+
 void Region::AppendBand(int32_t top, int32_t bottom, std::span<const Span> spans)
 {
     if (bottom <= top) return;

@@ -30,6 +30,10 @@ public:
     bool PtInRegion(int32_t x, int32_t y) const;
     DeviceRect GetRgnBox() const { return box_; }
     bool IsEmpty() const { return bands_.empty(); }
+    // One rectangle, the box itself.
+    bool IsRect() const { return bands_.size() == 1 && spans_.size() == 1; }
+    // The part inside `rect`.
+    Region Intersected(const DeviceRect& rect) const;
 
     // For builders: append a row's spans (sorted, disjoint) for row y; rows
     // must come in increasing order. Equal neighbouring rows merge into a band.
@@ -49,6 +53,8 @@ private:
 
 // Factories with the platform's rules for which pixels each region holds.
 Region CreateRectRgn(int32_t left, int32_t top, int32_t right, int32_t bottom);
+// The union of the rectangles, each normalized as CreateRectRgn does.
+Region CreateRectsRgn(std::span<const DeviceRect> rects);
 Region CreatePolygonRgn(std::span<const DevicePoint> points, PolyFillMode mode);
 Region CreateEllipticRgn(int32_t left, int32_t top, int32_t right, int32_t bottom);
 Region CreateRoundRectRgn(int32_t left, int32_t top, int32_t right, int32_t bottom, int32_t ellipseWidth,

@@ -113,6 +113,16 @@ public:
         if (is("savedc", 0)) return dc_.SaveDC(), true;
         if (is("restoredc", 1)) return dc_.RestoreDC(n[0]), true;
         if (is("clip", 4)) return dc_.IntersectClipRect(n[0], n[1], n[2], n[3]), true;
+        if (is("selectclip", 4)) {
+            const DeviceRect r{n[0], n[1], n[2], n[3]};
+            return dc_.SelectClipRegion(&r), true;
+        }
+        if (is("selectclip", 0, 0, 1) && a.w[0] == "none") return dc_.SelectClipRegion(nullptr), true;
+        if (verb == "cliprects" && is("cliprects", n.size()) && n.size() % 4 == 0) {
+            std::vector<DeviceRect> r;
+            for (size_t i = 0; i < n.size(); i += 4) r.push_back({n[i], n[i + 1], n[i + 2], n[i + 3]});
+            return dc_.SelectClipRects(r), true;
+        }
         if (is("dib", 5) || is("dib", 6)) return StartDib(n);
         if (verb == "colors" && is("colors", 0, a.c.size()) && !a.c.empty()) return AddColors(a.c);
         // A paint that draws nothing is a mistake in the case, not a result.

@@ -3,12 +3,15 @@
 // 8x8 pattern, and one-pixel Bresenham runs, each through an AND and an XOR
 // mask so that all binary raster operations share one code path. Clipping
 // to EffectiveClip() happens once, in the rasterizers that produce spans
-// and runs, so the primitives never see a pixel off the surface.
+// and runs, so the primitives never see a pixel off the surface. A clip of
+// several rectangles (ClipRegion.h) cuts those spans and runs once more at
+// the same place.
 //
 // The pixel rules are the platform's GDI in MM_TEXT, as run under Wine; the
 // notes beside each call say which rule applies.
 #include "RasterDeviceContext.h"
 
+#include "ClipRegion.h"
 #include "DashPattern.h"
 #include "EllipseGeometry.h"
 #include "HatchPatterns.h"
@@ -19,6 +22,7 @@
 #include "WidePen.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -61,6 +65,13 @@ void WalkRun(Bitmap& bitmap, const LineRun& run, Plot&& plot)
             err += errMajor;
         }
     }
+}
+
+// The pixels a segment can touch.
+DeviceRect SegmentBox(const Point64& a, const Point64& b)
+{
+    auto c = [](int64_t v) { return int32_t(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
+    return {c(std::min(a.x, b.x)), c(std::min(a.y, b.y)), c(std::max(a.x, b.x) + 1), c(std::max(a.y, b.y) + 1)};
 }
 
 void DrawSolidRun(Bitmap& bitmap, const LineRun& run, RopMasks masks)
@@ -204,6 +215,8 @@ DeviceRect RasterDeviceContext::EffectiveClip() const
     return r;
 }
 
+raster::ClipRegion RasterDeviceContext::Clip() const { return {EffectiveClip(), state_.region.get()}; }
+
 RasterDeviceContext::Stroke RasterDeviceContext::CurrentStroke() const
 {
     Stroke s;
@@ -236,16 +249,21 @@ void RasterDeviceContext::StrokeThin(const Stroke& stroke, bool closed)
     const std::vector<Point64>& pts = scratch_->points;
     if (pts.size() < 2) return;
     Bitmap& bitmap = *state_.bitmap;
-    const DeviceRect clip = EffectiveClip();
+    const raster::ClipRegion clip = Clip();
     const size_t segments = closed ? pts.size() : pts.size() - 1;
-    LineRun run;
+    // A segment is clipped to each clip rectangle it meets; they never
+    // overlap, so no pixel is drawn twice.
+    auto eachRun = [&](const Point64& a, const Point64& b, auto&& draw) {
+        clip.ForEachRect(SegmentBox(a, b), [&](const DeviceRect& r) {
+            LineRun run;
+            if (raster::ClipLine(a, b, r, run)) draw(run);
+        });
+    };
     if (stroke.kind == Stroke::Kind::Solid) {
         if (stroke.fg.IsNop()) return;
-        for (size_t i = 0; i < segments; ++i) {
-            const Point64& a = pts[i];
-            const Point64& b = pts[i + 1 == pts.size() ? 0 : i + 1];
-            if (raster::ClipLine(a, b, clip, run)) DrawSolidRun(bitmap, run, stroke.fg);
-        }
+        for (size_t i = 0; i < segments; ++i)
+            eachRun(pts[i], pts[i + 1 == pts.size() ? 0 : i + 1],
+                    [&](const LineRun& run) { DrawSolidRun(bitmap, run, stroke.fg); });
         return;
     }
     // Dashed: the pattern runs on along the whole figure.
@@ -255,14 +273,15 @@ void RasterDeviceContext::StrokeThin(const Stroke& stroke, bool closed)
         const Point64& a = pts[i];
         const Point64& b = pts[i + 1 == pts.size() ? 0 : i + 1];
         const DashState start = dash;
-        if (raster::ClipLine(a, b, clip, run)) {
+        eachRun(a, b, [&](const LineRun& run) {
+            dash = start;
             dash.Skip(uint64_t(run.skipped));
             WalkRun(bitmap, run, [&](uint32_t& pixel) {
                 pixel = (dash.mark ? stroke.fg : stroke.bg).Apply(pixel);
                 dash.Step();
             });
-            dash = start;
-        }
+        });
+        dash = start;
         const int64_t length = std::max(std::llabs(b.x - a.x), std::llabs(b.y - a.y));
         dash.Skip(uint64_t(length));
     }
@@ -270,7 +289,8 @@ void RasterDeviceContext::StrokeThin(const Stroke& stroke, bool closed)
 
 bool RasterDeviceContext::StrokeAndFill(const Stroke& stroke, bool closed, int interiorKind, PolyFillMode fillMode)
 {
-    const DeviceRect clip = EffectiveClip();
+    raster::ClipRegion region = Clip();
+    const DeviceRect& clip = region.Box();
     if (clip.IsEmpty()) return true;
     Scratch& sc = *scratch_;
     Bitmap& bitmap = *state_.bitmap;
@@ -300,9 +320,13 @@ bool RasterDeviceContext::StrokeAndFill(const Stroke& stroke, bool closed, int i
         }
     };
 
+    // The rasterizers keep to the box; the clip's rectangles cut further.
+    auto paintClipped = [&](const Paint& paint, int32_t y, int32_t x0, int32_t x1) {
+        region.ForEachSpan(y, x0, x1, [&](int32_t a, int32_t b) { paint.Span(bitmap, y, a, b); });
+    };
     if (stroke.kind != Stroke::Kind::Wide) {
         // The interior first; the outline then draws over it.
-        if (fill) interior([&](int32_t y, int32_t x0, int32_t x1) { brush.Span(bitmap, y, x0, x1); });
+        if (fill) interior([&](int32_t y, int32_t x0, int32_t x1) { paintClipped(brush, y, x0, x1); });
         StrokeThin(stroke, closed);
         return true;
     }
@@ -316,10 +340,10 @@ bool RasterDeviceContext::StrokeAndFill(const Stroke& stroke, bool closed, int i
         interior([&](int32_t y, int32_t x0, int32_t x1) { sc.interior.Add(y, x0, x1); });
         sc.interior.Normalize();
         sc.interior.Subtract(sc.outline);
-        for (const raster::RowSpan& s : sc.interior.Spans()) brush.Span(bitmap, s.y, s.x0, s.x1);
+        for (const raster::RowSpan& s : sc.interior.Spans()) paintClipped(brush, s.y, s.x0, s.x1);
     }
     const Paint pen = Paint::Solid(stroke.fg);
-    for (const raster::RowSpan& s : sc.outline.Spans()) pen.Span(bitmap, s.y, s.x0, s.x1);
+    for (const raster::RowSpan& s : sc.outline.Spans()) paintClipped(pen, s.y, s.x0, s.x1);
     return true;
 }
 
@@ -334,8 +358,8 @@ bool RasterDeviceContext::LineTo(int32_t x, int32_t y)
     pts.clear();
     pts.push_back({from.x, from.y});
     pts.push_back({x, y});
-    if (stroke.kind == Stroke::Kind::Solid) {
-        // The hot path: one segment, no interior.
+    if (stroke.kind == Stroke::Kind::Solid && !state_.region) {
+        // The hot path: one segment, no interior, one clip rectangle.
         LineRun run;
         if (!stroke.fg.IsNop() && raster::ClipLine(pts[0], pts[1], EffectiveClip(), run))
             DrawSolidRun(*state_.bitmap, run, stroke.fg);
@@ -502,7 +526,8 @@ bool RasterDeviceContext::PatRect(int64_t x, int64_t y, int64_t width, int64_t h
         t = b + 1;
         b = tmp + 1;
     }
-    const DeviceRect clip = EffectiveClip();
+    const raster::ClipRegion region = Clip();
+    const DeviceRect& clip = region.Box();
     const DeviceRect rect{int32_t(std::clamp<int64_t>(l, clip.left, clip.right)),
                           int32_t(std::clamp<int64_t>(t, clip.top, clip.bottom)),
                           int32_t(std::clamp<int64_t>(r, clip.left, clip.right)),
@@ -514,7 +539,7 @@ bool RasterDeviceContext::PatRect(int64_t x, int64_t y, int64_t width, int64_t h
     const bool patternFree = rop == Rop2::Black || rop == Rop2::White || rop == Rop2::Not || rop == Rop2::Nop;
     const Paint paint = patternFree ? Paint::Solid(raster::MasksFor(rop, 0))
                                     : BrushPaint(brush, rop, state_.backMode, state_.backColor);
-    paint.Rect(*state_.bitmap, rect);
+    region.ForEachRect(rect, [&](const DeviceRect& part) { paint.Rect(*state_.bitmap, part); });
     return true;
 }
 
@@ -535,7 +560,8 @@ bool RasterDeviceContext::BitBlt(int32_t x, int32_t y, int32_t width, int32_t he
     // The destination rectangle, clipped to this device and to the part
     // the source surface can supply.
     const int64_t shiftX = int64_t(xSource) - x, shiftY = int64_t(ySource) - y;
-    const DeviceRect clip = EffectiveClip();
+    raster::ClipRegion region = Clip();
+    const DeviceRect& clip = region.Box();
     const int64_t l = std::max<int64_t>({int64_t(x), clip.left, -shiftX});
     const int64_t t = std::max<int64_t>({int64_t(y), clip.top, -shiftY});
     const int64_t r = std::min<int64_t>({int64_t(x) + width, clip.right, src->Width() - shiftX});
@@ -555,15 +581,24 @@ bool RasterDeviceContext::BitBlt(int32_t x, int32_t y, int32_t width, int32_t he
         const int32_t dy = int32_t(upwards ? b - 1 - i : t + i);
         const uint32_t* s = src->Row(int32_t(dy + shiftY)).data() + (l + shiftX);
         uint32_t* d = dst.Row(dy).data() + l;
-        if (rop == RasterOp::SrcCopy) {
+        if (rop == RasterOp::SrcCopy && region.IsRect()) {
             std::memmove(d, s, size_t(count) * sizeof(uint32_t));
             continue;
         }
+        // The source row is read whole before any of it is written: with
+        // several clip spans in the row, one may overwrite what another reads.
         std::memcpy(row.data(), s, size_t(count) * sizeof(uint32_t));
-        for (int32_t k = 0; k < count; ++k) {
-            const uint32_t p = pattern.At(int32_t(l) + k, dy).xorMask;
-            d[k] = raster::ApplyRop3(code, p, row[size_t(k)], d[k]);
-        }
+        region.ForEachSpan(dy, int32_t(l), int32_t(r), [&](int32_t x0, int32_t x1) {
+            const size_t first = size_t(x0 - l), last = size_t(x1 - l);
+            if (rop == RasterOp::SrcCopy) {
+                std::memcpy(d + first, row.data() + first, (last - first) * sizeof(uint32_t));
+                return;
+            }
+            for (size_t k = first; k < last; ++k) {
+                const uint32_t p = pattern.At(int32_t(l + int64_t(k)), dy).xorMask;
+                d[k] = raster::ApplyRop3(code, p, row[k], d[k]);
+            }
+        });
     }
     return true;
 }
@@ -572,7 +607,7 @@ bool RasterDeviceContext::SetPixelV(int32_t x, int32_t y, ColorRef color)
 {
     if (!state_.bitmap) return false;
     // The pixel goes through the current ROP2, as the platform's does.
-    if (EffectiveClip().Contains(x, y)) {
+    if (Clip().Contains(x, y)) {
         uint32_t& p = state_.bitmap->Row(y)[size_t(x)];
         p = raster::MasksFor(state_.rop2, color).Apply(p);
     }
@@ -625,9 +660,20 @@ bool RasterDeviceContext::DrawFocusRect(const DeviceRect& rect)
 
 // ---- clipping and state -------------------------------------------------
 
+void RasterDeviceContext::SetClip(Region region)
+{
+    state_.hasClip = true;
+    state_.clip = region.GetRgnBox();
+    state_.region = region.IsEmpty() || region.IsRect() ? nullptr : std::make_shared<const Region>(std::move(region));
+}
+
 bool RasterDeviceContext::IntersectClipRect(int32_t left, int32_t top, int32_t right, int32_t bottom)
 {
     const DeviceRect r = DeviceRect{left, top, right, bottom}.Normalized();
+    if (state_.region) {
+        SetClip(state_.region->Intersected(r));
+        return true;
+    }
     state_.clip = state_.hasClip ? state_.clip.Intersected(r) : (r.IsEmpty() ? DeviceRect{} : r);
     state_.hasClip = true;
     return true;
@@ -635,6 +681,7 @@ bool RasterDeviceContext::IntersectClipRect(int32_t left, int32_t top, int32_t r
 
 void RasterDeviceContext::SelectClipRegion(const DeviceRect* rect)
 {
+    state_.region = nullptr;
     if (!rect) {
         state_.hasClip = false;
         state_.clip = {};
@@ -644,6 +691,8 @@ void RasterDeviceContext::SelectClipRegion(const DeviceRect* rect)
     state_.clip = r.IsEmpty() ? DeviceRect{} : r;
     state_.hasClip = true;
 }
+
+void RasterDeviceContext::SelectClipRects(std::span<const DeviceRect> rects) { SetClip(CreateRectsRgn(rects)); }
 
 int32_t RasterDeviceContext::SaveDC()
 {

@@ -3,11 +3,16 @@
 #pragma once
 
 #include "../DeviceContext.h"
+#include "../Region.h"
 
 #include <memory>
 #include <vector>
 
 namespace bvx {
+
+namespace raster {
+class ClipRegion;
+}
 
 class RasterDeviceContext final : public DeviceContext {
 public:
@@ -56,6 +61,7 @@ public:
 
     bool IntersectClipRect(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
     void SelectClipRegion(const DeviceRect* rect) override;
+    void SelectClipRects(std::span<const DeviceRect> rects) override;
 
     int32_t SaveDC() override;
     bool RestoreDC(int32_t saved) override;
@@ -88,12 +94,18 @@ private:
         Rop2 rop2 = Rop2::CopyPen;
         DevicePoint position{};
         bool hasClip = false;
-        DeviceRect clip{};
+        DeviceRect clip{}; // the clip's box
+        // Set when the clip is more than one rectangle; shared, never
+        // changed, so that saving the state copies no rectangles.
+        std::shared_ptr<const Region> region;
     };
 
     // The rectangle every primitive is clipped to: the bitmap, narrowed by
-    // any clip. Empty when no bitmap is selected.
+    // any clip's box. Empty when no bitmap is selected.
     DeviceRect EffectiveClip() const;
+    // That box with the clip's rectangles, for the primitives.
+    raster::ClipRegion Clip() const;
+    void SetClip(Region region);
 
     // How the selected pen draws; see RasterDeviceContext.cpp.
     struct Stroke;

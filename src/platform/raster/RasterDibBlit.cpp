@@ -4,6 +4,7 @@
 #include "RasterDeviceContext.h"
 
 #include "../DibFormat.h"
+#include "ClipRegion.h"
 #include "WideMath.h"
 
 #include <algorithm>
@@ -175,29 +176,35 @@ private:
     std::vector<uint8_t> written_;
 };
 
-// Copies the sampled source onto the surface, one destination row at a time.
-void PaintSampled(Bitmap& surface, const DibView& view, const AxisSampling& columns, const AxisSampling& rows,
-                  uint32_t unset)
+// Copies the sampled source onto the surface, one destination row at a time,
+// each row built once per source row and then copied where the clip keeps it.
+void PaintSampled(Bitmap& surface, raster::ClipRegion& clip, const DibView& view, const AxisSampling& columns,
+                  const AxisSampling& rows, uint32_t unset)
 {
     const DibRowReader reader(view, columns, rows, unset);
     const bool mayLeaveUnset = reader.IsRunLength() && unset == kUnsetPixel;
     std::vector<uint32_t> sourceRow(columns.sources.size());
     const size_t width = columns.slot.size();
+    std::vector<uint32_t> line(width);
     size_t lastSlot = SIZE_MAX;
     for (size_t r = 0; r < rows.slot.size(); ++r) {
         const int32_t y = rows.first + int32_t(r);
         const size_t rowSlot = rows.slot[r];
-        uint32_t* out = surface.Row(y).data() + columns.first;
-        if (rowSlot == lastSlot && !mayLeaveUnset) {
-            std::memcpy(out, surface.Row(y - 1).data() + columns.first, width * sizeof(uint32_t));
-            continue;
+        if (rowSlot != lastSlot) {
+            reader.Read(rows.sources[rowSlot], rowSlot, sourceRow.data());
+            for (size_t c = 0; c < width; ++c) line[c] = sourceRow[columns.slot[c]];
+            lastSlot = rowSlot;
         }
-        if (rowSlot != lastSlot) reader.Read(rows.sources[rowSlot], rowSlot, sourceRow.data());
-        lastSlot = rowSlot;
-        for (size_t c = 0; c < width; ++c) {
-            const uint32_t pixel = sourceRow[columns.slot[c]];
-            if (pixel != kUnsetPixel) out[c] = pixel;
-        }
+        uint32_t* out = surface.Row(y).data();
+        clip.ForEachSpan(y, columns.first, columns.first + int32_t(width), [&](int32_t x0, int32_t x1) {
+            const uint32_t* in = line.data() + (x0 - columns.first);
+            if (!mayLeaveUnset) {
+                std::memcpy(out + x0, in, size_t(x1 - x0) * sizeof(uint32_t));
+                return;
+            }
+            for (int32_t x = x0; x < x1; ++x, ++in)
+                if (*in != kUnsetPixel) out[x] = *in;
+        });
     }
 }
 
@@ -208,17 +215,18 @@ struct DibMapping {
     int64_t destY, destHeight, sourceTop, sourceHeight;
 };
 
-void PaintDib(Bitmap* surface, const DeviceRect& clip, const DibView& view, const DibMapping& m,
+void PaintDib(Bitmap* surface, raster::ClipRegion clip, const DibView& view, const DibMapping& m,
               uint32_t unset = kUnsetPixel)
 {
     AxisSampling columns, rows;
-    if (surface == nullptr || clip.IsEmpty() ||
-        !SampleAxis(m.destX, m.destWidth, m.sourceX, m.sourceWidth, clip.left, clip.right, view.width, true,
+    const DeviceRect& box = clip.Box();
+    if (surface == nullptr || box.IsEmpty() ||
+        !SampleAxis(m.destX, m.destWidth, m.sourceX, m.sourceWidth, box.left, box.right, view.width, true,
                     columns) ||
-        !SampleAxis(m.destY, m.destHeight, m.sourceTop, m.sourceHeight, clip.top, clip.bottom, view.height, false,
+        !SampleAxis(m.destY, m.destHeight, m.sourceTop, m.sourceHeight, box.top, box.bottom, view.height, false,
                     rows))
         return;
-    PaintSampled(*surface, view, columns, rows, unset);
+    PaintSampled(*surface, clip, view, columns, rows, unset);
 }
 
 } // namespace
@@ -243,7 +251,7 @@ int32_t RasterDeviceContext::SetDIBitsToDevice(int32_t xDest, int32_t yDest, int
     const int64_t sourceTop = int64_t(view->height) - ySource - height;
     if (!ExtentMeets(xSource, width, view->width) || !ExtentMeets(sourceTop, height, view->height)) return 0;
     const DibMapping mapping{xDest, width, xSource, width, yDest, height, sourceTop, height};
-    PaintDib(state_.bitmap.get(), EffectiveClip(), *view, mapping);
+    PaintDib(state_.bitmap.get(), Clip(), *view, mapping);
     return rows;
 }
 
@@ -270,7 +278,7 @@ int32_t RasterDeviceContext::StretchDIBits(int32_t xDest, int32_t yDest, int32_t
     // Only an unstretched copy from the origin leaves the pixels run-length
     // data skips alone; otherwise they show colour 0.
     const uint32_t unset = unstretchedFromOrigin ? kUnsetPixel : view->colors[0];
-    PaintDib(state_.bitmap.get(), EffectiveClip(), *view, mapping, unset);
+    PaintDib(state_.bitmap.get(), Clip(), *view, mapping, unset);
     return view->height;
 }
 

@@ -56,6 +56,44 @@ Region CreateRectRgn(int32_t left, int32_t top, int32_t right, int32_t bottom)
     return region;
 }
 
+Region CreateRectsRgn(std::span<const DeviceRect> rects)
+{
+    struct Piece {
+        int32_t left, right, bottom;
+    };
+    std::vector<DeviceRect> pending;
+    std::vector<int32_t> edges;
+    for (const DeviceRect& r : rects) {
+        const DeviceRect n = r.Normalized();
+        if (n.IsEmpty()) continue;
+        pending.push_back(n);
+        edges.insert(edges.end(), {n.top, n.bottom});
+    }
+    std::sort(pending.begin(), pending.end(), [](const DeviceRect& a, const DeviceRect& b) { return a.top < b.top; });
+    std::sort(edges.begin(), edges.end());
+    edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
+    // A sweep down the distinct edges: between two neighbouring ones the
+    // same rectangles cover every row, and their spans, merged, are a band.
+    Region region;
+    std::vector<Piece> active; // by left edge
+    std::vector<Region::Span> spans;
+    size_t next = 0;
+    for (size_t i = 0; i + 1 < edges.size(); ++i) {
+        const int32_t top = edges[i];
+        std::erase_if(active, [top](const Piece& p) { return p.bottom <= top; });
+        for (; next < pending.size() && pending[next].top == top; ++next) {
+            const Piece p{pending[next].left, pending[next].right, pending[next].bottom};
+            active.insert(std::upper_bound(active.begin(), active.end(), p,
+                                           [](const Piece& a, const Piece& b) { return a.left < b.left; }),
+                          p);
+        }
+        spans.clear();
+        for (const Piece& p : active) spans.push_back({p.left, p.right});
+        region.AppendBand(top, edges[i + 1], spans);
+    }
+    return region;
+}
+
 Region CreatePolygonRgn(std::span<const DevicePoint> points, PolyFillMode mode)
 {
     Region region;

@@ -228,6 +228,18 @@ void GdiDeviceContext::SelectClipRegion(const DeviceRect* rect)
     ::DeleteObject(region);
 }
 
+void GdiDeviceContext::SelectClipRects(std::span<const DeviceRect> rects)
+{
+    HRGN region = ::CreateRectRgn(0, 0, 0, 0);
+    for (const DeviceRect& r : rects) {
+        HRGN piece = ::CreateRectRgn(r.left, r.top, r.right, r.bottom);
+        ::CombineRgn(region, region, piece, RGN_OR);
+        ::DeleteObject(piece);
+    }
+    ::ExtSelectClipRgn(hdc_, region, RGN_COPY);
+    ::DeleteObject(region);
+}
+
 int32_t GdiDeviceContext::SaveDC()
 {
     int32_t depth = ::SaveDC(hdc_);

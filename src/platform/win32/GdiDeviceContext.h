@@ -61,6 +61,7 @@ public:
 
     bool IntersectClipRect(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
     void SelectClipRegion(const DeviceRect* rect) override;
+    void SelectClipRects(std::span<const DeviceRect> rects) override;
 
     int32_t SaveDC() override;
     bool RestoreDC(int32_t saved) override;
