@@ -84,6 +84,8 @@ TEST_F(Pointers, MonochromeFileKeepsItsMasksAndHotSpot)
     control.SetPointer(control.GetViewMousePointer(PointerRole::Select));
     EXPECT_EQ(control.GetPointer(), 23);
     EXPECT_EQ(window.pointer, image);
+    control.CadClearAll(); // a new drawing keeps the pointers
+    EXPECT_EQ(Table().Count(), 24u);
 }
 
 TEST_F(Pointers, ColourFilesTakeAlphaOrMaskAndTheClosestImage)
