@@ -1,5 +1,6 @@
 // The raster device against cairo's image surface with antialiasing off,
-// doing the same work on a 1920 by 1080 surface.
+// doing the same work on a 1920 by 1080 surface, whole or clipped to an
+// update region of several rectangles.
 #include "RatioReporter.h"
 #include "platform/raster/RasterDeviceContext.h"
 
@@ -63,6 +64,20 @@ const std::vector<DevicePoint>& CrossingPolygon()
     return points;
 }
 
+// An update region of sixteen rectangles: a 4 by 4 grid of cells, each
+// 400 by 200 with gaps between them, so that most figures cross several.
+const std::vector<DeviceRect>& ClipGrid()
+{
+    static const std::vector<DeviceRect> rects = [] {
+        std::vector<DeviceRect> r;
+        for (int row = 0; row < 4; ++row)
+            for (int col = 0; col < 4; ++col)
+                r.push_back({col * 480 + 40, row * 270 + 35, col * 480 + 440, row * 270 + 235});
+        return r;
+    }();
+    return rects;
+}
+
 // ---- ours ---------------------------------------------------------------
 
 struct OurSurface {
@@ -80,9 +95,10 @@ void SolidFillOurs(benchmark::State& state)
     }
 }
 
-void LinesOurs(benchmark::State& state)
+void LinesOurs(benchmark::State& state, bool clipped)
 {
     OurSurface s;
+    if (clipped) s.dc.SelectClipRects(ClipGrid());
     s.dc.SelectPen(CreatePen(PenStyle::Solid, 1, MakeRgb(200, 0, 0)));
     for (auto _ : state) {
         for (const Segment& seg : RandomSegments()) {
@@ -93,9 +109,10 @@ void LinesOurs(benchmark::State& state)
     }
 }
 
-void HatchedEllipsesOurs(benchmark::State& state)
+void HatchedEllipsesOurs(benchmark::State& state, bool clipped)
 {
     OurSurface s;
+    if (clipped) s.dc.SelectClipRects(ClipGrid());
     s.dc.SelectPen(CreatePen(PenStyle::Null, 1, 0));
     s.dc.SelectBrush(CreateHatchBrush(HatchStyle::DiagCross, MakeRgb(0, 0, 200)));
     s.dc.SetBkMode(BackMode::Transparent);
@@ -129,6 +146,12 @@ struct CairoSurface {
         cairo_surface_destroy(surface);
     }
     void Touch() const { benchmark::DoNotOptimize(cairo_image_surface_get_data(surface)); }
+    void Clip(bool clipped)
+    {
+        if (!clipped) return;
+        for (const DeviceRect& r : ClipGrid()) cairo_rectangle(cr, r.left, r.top, r.Width(), r.Height());
+        cairo_clip(cr);
+    }
 };
 
 void SolidFillCairo(benchmark::State& state)
@@ -143,9 +166,10 @@ void SolidFillCairo(benchmark::State& state)
     }
 }
 
-void LinesCairo(benchmark::State& state)
+void LinesCairo(benchmark::State& state, bool clipped)
 {
     CairoSurface s;
+    s.Clip(clipped);
     cairo_set_source_rgb(s.cr, 200 / 255.0, 0, 0);
     cairo_set_line_width(s.cr, 1.0);
     for (auto _ : state) {
@@ -175,9 +199,10 @@ cairo_pattern_t* CairoDiagCrossHatch()
     return pattern;
 }
 
-void HatchedEllipsesCairo(benchmark::State& state)
+void HatchedEllipsesCairo(benchmark::State& state, bool clipped)
 {
     CairoSurface s;
+    s.Clip(clipped);
     cairo_pattern_t* hatch = CairoDiagCrossHatch();
     cairo_set_source(s.cr, hatch);
     for (auto _ : state) {
@@ -216,10 +241,18 @@ void PolygonCairo(benchmark::State& state, cairo_fill_rule_t rule)
 
 BENCHMARK(SolidFillOurs)->Name("solid_fill_1920x1080/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(SolidFillCairo)->Name("solid_fill_1920x1080/cairo")->Unit(benchmark::kMillisecond);
-BENCHMARK(LinesOurs)->Name("lines_100000/ours")->Unit(benchmark::kMillisecond);
-BENCHMARK(LinesCairo)->Name("lines_100000/cairo")->Unit(benchmark::kMillisecond);
-BENCHMARK(HatchedEllipsesOurs)->Name("hatched_ellipses_10000/ours")->Unit(benchmark::kMillisecond);
-BENCHMARK(HatchedEllipsesCairo)->Name("hatched_ellipses_10000/cairo")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinesOurs, whole, false)->Name("lines_100000/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinesCairo, whole, false)->Name("lines_100000/cairo")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(HatchedEllipsesOurs, whole, false)
+    ->Name("hatched_ellipses_10000/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(HatchedEllipsesCairo, whole, false)
+    ->Name("hatched_ellipses_10000/cairo")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinesOurs, grid, true)->Name("lines_100000_16_rects/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(LinesCairo, grid, true)->Name("lines_100000_16_rects/cairo")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(HatchedEllipsesOurs, grid, true)
+    ->Name("hatched_ellipses_10000_16_rects/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(HatchedEllipsesCairo, grid, true)
+    ->Name("hatched_ellipses_10000_16_rects/cairo")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(PolygonOurs, alt, PolyFillMode::Alternate)
     ->Name("polygon_1000_alternate/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(PolygonCairo, alt, CAIRO_FILL_RULE_EVEN_ODD)

@@ -76,18 +76,36 @@ const HugeCase kHuge[] = {
     {"bitblt", [](RasterDeviceContext& dc) { dc.BitBlt(kMax, kMin, kMax, kMax, dc, kMin, kMax, RasterOp::SrcCopy); }},
 };
 
-class HugeCoordinates : public ::testing::TestWithParam<HugeCase> {};
+class HugeCoordinates : public ::testing::TestWithParam<HugeCase> {
+protected:
+    // Generous for sanitizer builds; typically well under 10 ms.
+    static void DrawQuickly(RasterDeviceContext& dc)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        GetParam().draw(dc);
+        const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
+        EXPECT_LT(spent.count(), 250.0);
+    }
+};
 
 TEST_P(HugeCoordinates, DrawsQuicklyWithoutOverflow)
 {
     Surface s(64, 64);
-    const auto start = std::chrono::steady_clock::now();
-    GetParam().draw(s.dc);
-    const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-    EXPECT_LT(ms, 250.0); // generous for sanitizer builds; typically well under 10 ms
+    DrawQuickly(s.dc);
     if (GetParam().marked != SIZE_MAX) {
         EXPECT_EQ(s.Marked().size(), GetParam().marked);
     }
+}
+
+// The same under a clip of several rectangles reaching to the limits, two
+// given inverted: rows above 10 whole, rows from 20 on but for columns 30 to 39.
+TEST_P(HugeCoordinates, StayInsideAClipOfSeveralRectangles)
+{
+    Surface s(64, 64);
+    const DeviceRect clip[] = {{kMin, kMin, kMax, 10}, {kMax, kMax, 40, 20}, {30, kMax, kMin, 20}};
+    s.dc.SelectClipRects(clip);
+    DrawQuickly(s.dc);
+    for (const auto& [x, y] : s.Marked()) EXPECT_TRUE(y < 10 || (y >= 20 && (x < 30 || x >= 40))) << x << "," << y;
 }
 
 INSTANTIATE_TEST_SUITE_P(Raster, HugeCoordinates, ::testing::ValuesIn(kHuge),
