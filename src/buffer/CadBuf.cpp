@@ -12,6 +12,8 @@ namespace {
 constexpr int32_t kCurrentLayer = -1;
 constexpr int32_t kCurrentLayerPattern = 65535;
 constexpr int16_t kTextType = bvxText;
+// Handle boxes reach three pixels past a shape's bounds, which end one short.
+constexpr int32_t kHandleReach = 4;
 
 // Visits a shape and, depth first, the members of groups inside it.
 template <typename F> void ForEachDeep(CObjShape* shape, F&& f)
@@ -466,11 +468,21 @@ void CadBuf::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view)
     view.World.Changed = false;
 }
 
-void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view)
+void CadBuf::DrawSelection(DeviceContext& dc, DeviceRect& clip, ShapeContext& view)
 {
     const ShapeAttr bufferLook = Layers.empty() || !Layers[0]->Attr ? ShapeAttr::Default() : *Layers[0]->Attr;
     for (size_t i = 0; i < Selection.size(); ++i) {
         CObjShape& shape = *Selection[i];
+        bool lonelyText = Selection.size() == 1 && shape.GetShapeType() == kTextType;
+        // Handles are drawn whole: a shape whose handles stay clear of the
+        // clip keeps its pixels, so that its handles do not cover the
+        // shapes selected after it; one that meets it grows the clip.
+        DeviceRect reach = InflatedRect(OrderedRect(shape.BoundsAsRect()), kHandleReach, kHandleReach);
+        if (reach.Intersected(clip).IsEmpty()) {
+            if (lonelyText) view.ShowTextCaret(!view.MouseActive);
+            continue;
+        }
+        clip = clip.United(reach);
         uint32_t rop = &shape == FocusShape ? RasterOp::Blackness : RasterOp::Whiteness;
         if (shape.GroupList()) {
             shape.Draw(dc, clip, view, 1);
@@ -479,7 +491,6 @@ void CadBuf::DrawSelection(DeviceContext& dc, const DeviceRect& clip, ShapeConte
             const ShapeAttr& attr = SelectMode == 1 ? view.EffectiveAttr(shape) : bufferLook;
             view.DrawWithAttr(dc, shape, attr, clip, 1);
         }
-        bool lonelyText = Selection.size() == 1 && shape.GetShapeType() == kTextType;
         if (view.MouseActive) {
             if (lonelyText) view.ShowTextCaret(false);
             continue;

@@ -105,7 +105,8 @@ public:
 
     // Painting.
     void Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view);
-    void DrawSelection(DeviceContext& dc, const DeviceRect& clip, ShapeContext& view);
+    // Grows `clip` as the layers do.
+    void DrawSelection(DeviceContext& dc, DeviceRect& clip, ShapeContext& view);
 
 private:
     void EmptyLayer(CadLayer& layer);

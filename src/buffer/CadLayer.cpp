@@ -60,7 +60,9 @@ void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int
         CObjShape& shape = *Shapes[i];
         if (shape.Selected) continue;
         if (!view.World.Changed && !IsGroupList) {
-            DeviceRect b = OrderedRect(shape.BoundsAsRect());
+            // The bounds end where a one-pixel outline still draws its last
+            // row and column: one more each way keeps those in the test.
+            DeviceRect b = InflatedRect(OrderedRect(shape.BoundsAsRect()), 1, 1);
             if (b.Intersected(clip).IsEmpty()) continue;
             // A shape drawn whole may cover shapes above it: they must follow.
             clip = clip.United(b);

@@ -17,8 +17,11 @@ bool CadControl::ShapeSelect(int32_t number, bool add)
     CObjShape* shape = Shape(number);
     if (!shape) return false;
     if (!add) view_.ClearSelection(nullptr);
+    CObjShape* formerFocus = view_.Buf.FocusShape;
     view_.Buf.Select(shape);
     view_.InvalidateShape(shape, true);
+    // The former focus shape's handles turn from black to white.
+    if (formerFocus && formerFocus != shape) view_.InvalidateShape(formerFocus, true);
     view_.Fire<&EventSink::ShapeNumberSelected>(shape->GetShapeType(), shape->Number);
     return true;
 }

@@ -37,7 +37,8 @@ void CadView::Paint(DeviceContext& target, const DeviceRect& clientBounds)
         target.BitBlt(blitRect.left, blitRect.top, bounds.right, bounds.bottom, *memory, 0, 0, RasterOp::SrcCopy);
         // During a drag the moving shapes go on the window over the clean
         // copy, so the drag costs no repaint of the buffer.
-        if (MouseActive) Buf.DrawSelection(target, bounds, *this);
+        DeviceRect everything = bounds;
+        if (MouseActive) Buf.DrawSelection(target, everything, *this);
     }
     memory->SelectBitmap(previous);
     RebuildBackBuffer = false;

@@ -85,7 +85,13 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"MethodsCannotBeAssigned", "Refresh = 1\n", "line 1: Refresh is a method and cannot be assigned\n"},
         ScriptCase{"NothingToKeep", "$r = Refresh\n", "line 1: Refresh returns nothing to keep in $r\n"},
         ScriptCase{"UnsetName", "$a = 1\nWorldLeft = $b\n", "line 2: $b is not set\n"},
-        ScriptCase{"UnknownHostCommand", ".paint 10, 10\n", "line 1: unknown host command '.paint'\n"}),
+        ScriptCase{"UnknownHostCommand", ".draw 10, 10\n", "line 1: unknown host command '.draw'\n"},
+        ScriptCase{"WindowCommandsNeedAWindow", ".paint\n", "line 1: .paint needs a window: give it one with .size first\n"},
+        ScriptCase{"SaveNeedsAWindow", ".save x.bmp\n", "line 1: .save needs a window: give it one with .size first\n"},
+        ScriptCase{"SizeTakesTwoPositiveNumbers", ".size 0, 10\n",
+                   "line 1: .size takes a width and a height, 1 to 16384: '0, 10'\n"},
+        ScriptCase{"SizeRefusesAHugeWindow", ".size 100000, 10\n",
+                   "line 1: .size takes a width and a height, 1 to 16384: '100000, 10'\n"}),
     CaseName);
 
 TEST(ScriptRunDesignTime, GatedReadsAreRefused)
