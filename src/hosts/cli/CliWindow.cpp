@@ -65,9 +65,7 @@ std::unique_ptr<DeviceContext> CliWindow::BeginPaint()
 {
     if (!surface_ || invalid_.empty()) return nullptr;
     auto dc = std::make_unique<RasterDeviceContext>(surface_);
-    DeviceRect all{};
-    for (const DeviceRect& r : invalid_) all = all.United(r);
-    dc->SelectClipRegion(&all);
+    dc->SelectClipRects(invalid_);
     invalid_.clear();
     return dc;
 }
