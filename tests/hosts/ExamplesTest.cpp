@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
 
 namespace bvx::script {
 namespace {
@@ -13,25 +10,7 @@ namespace fs = std::filesystem;
 
 // The examples a user reads, and the behaviour cases kept beside the tests;
 // both are scripts with the output they must print.
-const fs::path kScriptDirs[] = {BVX_EXAMPLES_DIR, BVX_SCRIPT_CASES_DIR};
-
-std::vector<fs::path> ScriptPaths()
-{
-    std::vector<fs::path> paths;
-    for (const fs::path& dir : kScriptDirs) {
-        std::error_code error;
-        for (const auto& entry : fs::directory_iterator(dir, error))
-            if (entry.path().extension() == ".bvxs") paths.push_back(entry.path());
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
-
-std::string ReadFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
+std::vector<fs::path> ScriptPaths() { return ScriptsIn({BVX_EXAMPLES_DIR, BVX_SCRIPT_CASES_DIR}); }
 
 class Script : public ::testing::TestWithParam<fs::path> {};
 
