@@ -13,56 +13,6 @@ std::vector<int32_t> Numbers(const CadLayer& layer)
     return n;
 }
 
-TEST_F(Buf, NewDrawingHasTwoLayersAndNumbersFromOne)
-{
-    ASSERT_EQ(view.Buf.Layers.size(), 2u);
-    EXPECT_EQ(view.Buf.Layers[0]->Name, u"Buffer Layer");
-    EXPECT_EQ(view.Buf.Layers[1]->Name, u"Layer 1");
-    EXPECT_EQ(view.Buf.CurrentLayerNumber, 1);
-    EXPECT_EQ(view.Buf.CurrentLayer, view.Buf.Layers[1].get());
-    auto* first = AddRect(0, 0, 10, 10);
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->Number, 1);
-    EXPECT_EQ(sink.events.back(), "ShapeNumberAdded 1 1");
-}
-
-TEST_F(Buf, NumbersAreNeverReused)
-{
-    for (int i = 0; i < 5; ++i) AddRect(i, i, i + 5, i + 5);
-    ASSERT_TRUE(view.DeleteShape(view.Buf.FindShape(5), true));
-    EXPECT_EQ(view.Buf.FindShape(5), nullptr);
-    EXPECT_EQ(sink.events.back(), "ShapeNumberDeleted 5");
-    EXPECT_EQ(AddRect(1, 1, 2, 2)->Number, 6);
-    // Clearing one layer keeps the counter; clearing all resets it.
-    view.Buf.ClearLayer(1);
-    EXPECT_EQ(AddRect(1, 1, 2, 2)->Number, 7);
-    view.Buf.ClearLayer(-1);
-    EXPECT_EQ(AddRect(1, 1, 2, 2)->Number, 1);
-}
-
-TEST_F(Buf, LayersAddRemoveAndFind)
-{
-    int16_t x1 = view.Buf.AddLayer(u"X");
-    int16_t x2 = view.Buf.AddLayer(u"X");
-    EXPECT_EQ(x1, 2);
-    EXPECT_EQ(x2, 3);
-    // Adding makes the layer current by pointer but leaves the number.
-    EXPECT_EQ(view.Buf.CurrentLayer, view.Buf.Layers[3].get());
-    EXPECT_EQ(view.Buf.CurrentLayerNumber, 1);
-    EXPECT_EQ(view.Buf.FindLayerByName(u"X"), 2);
-    EXPECT_EQ(view.Buf.CurrentLayerNumber, 2);
-    EXPECT_EQ(view.Buf.FindLayerByName(u"x"), -1); // exact and case-sensitive
-
-    EXPECT_FALSE(view.Buf.RemoveLayer(0, view));
-    EXPECT_FALSE(view.Buf.RemoveLayer(9, view));
-    EXPECT_TRUE(view.Buf.RemoveLayer(3, view));
-    EXPECT_TRUE(view.Buf.RemoveLayer(2, view)); // the current one: the last becomes current
-    EXPECT_EQ(view.Buf.CurrentLayerNumber, 1);
-    EXPECT_TRUE(view.Buf.RemoveLayer(1, view));
-    EXPECT_EQ(view.Buf.CurrentLayerNumber, 0); // only the Buffer Layer is left
-    EXPECT_EQ(view.Buf.Layers.size(), 1u);
-}
-
 TEST_F(Buf, RemovingALayerForgetsItsShapesAndKeepsOthersReachable)
 {
     view.Buf.AddLayer(u"Two");
@@ -106,28 +56,6 @@ TEST_F(Buf, CopyLayerClonesShapesAndTakesTheSourceName)
     ASSERT_TRUE(view.Buf.CopyLayer(1, 2, false, view));
     EXPECT_EQ(Numbers(*view.Buf.Layers[2]), (std::vector<int32_t>{5, 6}));
     EXPECT_EQ(view.Buf.FindShape(3), nullptr);
-}
-
-TEST_F(Buf, ZOrderMovesWithinTheList)
-{
-    for (int i = 0; i < 5; ++i) AddRect(i, i, i + 5, i + 5);
-    CadLayer& layer = *view.Buf.Layers[1];
-    CObjShape* s2 = view.Buf.FindShape(2);
-    view.Buf.ToFront(s2);
-    EXPECT_EQ(view.Buf.GetZOrder(s2), 4);
-    view.Buf.ToBack(s2);
-    EXPECT_EQ(view.Buf.GetZOrder(s2), 0);
-    view.Buf.ZOrderJump(s2, 2);
-    EXPECT_EQ(Numbers(layer), (std::vector<int32_t>{1, 3, 2, 4, 5}));
-    view.Buf.ZOrderJump(s2, 100);
-    EXPECT_EQ(view.Buf.GetZOrder(s2), 4);
-    view.Buf.ZOrderJump(s2, -100);
-    EXPECT_EQ(view.Buf.GetZOrder(s2), 0);
-    view.Buf.SetZOrder(s2, 5); // equal to the count: nothing
-    EXPECT_EQ(view.Buf.GetZOrder(s2), 0);
-    view.Buf.SetZOrder(s2, 3);
-    EXPECT_EQ(Numbers(layer), (std::vector<int32_t>{1, 3, 4, 2, 5}));
-    EXPECT_EQ(view.Buf.GetZOrder(nullptr), -1);
 }
 
 TEST_F(Buf, SelectionRules)
@@ -229,22 +157,6 @@ TEST_F(Buf, SearchMethodTableRefusesTypesWithoutAnInside)
     layer.SetSearchMethod(20, 1);
     EXPECT_EQ(AddEllipse(5, 5, 2, 2)->GetSearchMethod(), 1);
     EXPECT_EQ(AddRect(0, 0, 1, 1, 1, bvxLine)->GetSearchMethod(), 0);
-}
-
-TEST_F(Buf, ModeSettersStoreTheirFallbacks)
-{
-    view.Buf.SetSnapToGrid(7);
-    EXPECT_EQ(view.Buf.SnapToGrid, -1);
-    view.Buf.SetSnapToGrid(2);
-    EXPECT_EQ(view.Buf.SnapToGrid, 2);
-    view.Buf.SnapMarkerUp = 5;
-    view.Buf.SetSnapMode(3);
-    EXPECT_EQ(view.Buf.SnapMode, 0);
-    EXPECT_EQ(view.Buf.SnapMarkerUp, 0);
-    view.Buf.SetShapeMoveMode(3);
-    EXPECT_EQ(view.Buf.ShapeMoveMode, 0);
-    view.Buf.SetShapeMoveMode(2);
-    EXPECT_EQ(view.Buf.ShapeMoveMode, 2);
 }
 
 } // namespace
