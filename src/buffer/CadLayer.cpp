@@ -62,8 +62,14 @@ void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int
         if (!view.World.Changed && !IsGroupList) {
             // The bounds end where a one-pixel outline still draws its last
             // row and column: one more each way keeps those in the test.
-            DeviceRect b = InflatedRect(OrderedRect(shape.BoundsAsRect()), 1, 1);
-            if (b.Intersected(clip).IsEmpty()) continue;
+            // Sixteen-bit bounds widen without overflow; this runs for
+            // every shape of every repaint.
+            const ShortRect& s = shape.Bounds;
+            const DeviceRect b{std::min(s.left, s.right) - 1, std::min(s.top, s.bottom) - 1,
+                               std::max(s.left, s.right) + 1, std::max(s.top, s.bottom) + 1};
+            if (b.right <= clip.left || b.left >= clip.right || b.bottom <= clip.top || b.top >= clip.bottom ||
+                clip.IsEmpty())
+                continue;
             // A shape drawn whole may cover shapes above it: they must follow.
             clip = clip.United(b);
         }
