@@ -325,8 +325,14 @@ bool RasterDeviceContext::StrokeAndFill(const Stroke& stroke, bool closed, int i
         region.ForEachSpan(y, x0, x1, [&](int32_t a, int32_t b) { paint.Span(bitmap, y, a, b); });
     };
     if (stroke.kind != Stroke::Kind::Wide) {
-        // The interior first; the outline then draws over it.
-        if (fill) interior([&](int32_t y, int32_t x0, int32_t x1) { paintClipped(brush, y, x0, x1); });
+        // The interior first; the outline then draws over it. Busy fills
+        // give many short spans: with one clip rectangle they go straight
+        // to the brush.
+        if (fill && region.IsRect()) {
+            interior([&](int32_t y, int32_t x0, int32_t x1) { brush.Span(bitmap, y, x0, x1); });
+        } else if (fill) {
+            interior([&](int32_t y, int32_t x0, int32_t x1) { paintClipped(brush, y, x0, x1); });
+        }
         StrokeThin(stroke, closed);
         return true;
     }
