@@ -237,15 +237,6 @@ TEST_F(Shapes, TransformsMoveCornersAndCentres)
     EXPECT_EQ(circle->RadiusX, 5);
 }
 
-TEST_F(Shapes, AreasByType)
-{
-    EXPECT_DOUBLE_EQ(AddRect(0, 0, 4, -5)->GetArea(), 20);
-    EXPECT_DOUBLE_EQ(AddRect(0, 0, 4, 2, 1, bvx2PointEllipse)->GetArea(), 2 * 1 * 3.141592653589793);
-    EXPECT_DOUBLE_EQ(AddRect(0, 0, 4, 2, 1, bvxRoundRectangle)->GetArea(), 0);
-    EXPECT_DOUBLE_EQ(AddEllipse(0, 0, 2, 3)->GetArea(), 6 * 3.141592653589793);
-    EXPECT_DOUBLE_EQ(AddEllipse(0, 0, 2, 3, 1, bvxCircle)->GetArea(), 4 * 3.141592653589793);
-}
-
 TEST_F(Shapes, ConversionsAmongRectanglesAndEllipses)
 {
     auto* twoPoint = AddRect(10, 10, 30, 20, 1, bvx2PointEllipse);
