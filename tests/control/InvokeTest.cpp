@@ -77,50 +77,5 @@ TEST_F(Host, DesignTimeGatesTheRowsThatSaySo)
     EXPECT_TRUE(headless.UserMode());
 }
 
-TEST_F(Host, SelectionMembers)
-{
-    Variant a = Call(u"DrawRectangle", {R(10), R(10), R(20), R(20), I(1)});
-    Variant b = Call(u"DrawCircle", {R(60), R(60), R(5), I(1)});
-    sink.events.clear();
-    EXPECT_EQ(Call(u"ShapeSelect", {b, Variant::Bool(false)}), Variant::Bool(true));
-    EXPECT_EQ(Call(u"ShapeSelect", {a, I(1)}), Variant::Bool(true));
-    EXPECT_EQ(Call(u"ShapeSelect", {I(42), I(1)}), Variant::Bool(false));
-    EXPECT_EQ(Get(u"ShapeSelectNumbers"), Variant::Array1D(VarType::I4, {b, a}));
-    EXPECT_EQ(Get(u"ShapeSelectNumbers").TypeWord(), 8195);
-    EXPECT_EQ(Get(u"ShapeSelectNumber"), a);
-    EXPECT_EQ(Get(u"ShapeSelectType"), Variant::I2(bvxRectangle));
-    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberSelected 19 2", "ShapeNumberSelected 1 1"}));
-    Call(u"ShapeSelectMoveDelta", {R(5), R(0)});
-    EXPECT_EQ(Call(u"ShapePointGetX", {b, I(0)}), R(65));
-    Call(u"ShapeSelectRect", {R(0), R(100), R(40), R(0)});
-    EXPECT_EQ(Get(u"ShapeSelectCount"), I(1));
-    EXPECT_EQ(Call(u"ShapeSelect", {I(-1), I(0)}), Variant::Bool(true));
-    EXPECT_EQ(Get(u"ShapeSelectCount"), I(0));
-    EXPECT_EQ(Get(u"ShapeSelectPoint"), Variant::I2(-1));
-}
-
-TEST_F(Host, WorldMembers)
-{
-    EXPECT_EQ(Get(u"ViewWidth"), I(101));
-    Call(u"WorldSet", {R(0), R(200), R(200), R(0)});
-    EXPECT_EQ(Get(u"WorldRight"), R(200));
-    EXPECT_EQ(Get(u"WorldToAbsX", {R(100)}), I(50));
-    EXPECT_EQ(Get(u"AbsToWorldY", {I(50)}), R(100));
-    Call(u"WorldPan", {R(10), R(0)});
-    EXPECT_EQ(Get(u"WorldLeft"), R(10));
-    Call(u"DrawRectangle", {R(40), R(60), R(60), R(40), I(1)});
-    Call(u"WorldExtents");
-    EXPECT_EQ(Get(u"WorldLeft"), R(40));
-    EXPECT_EQ(Get(u"WorldRight"), R(60));
-    EXPECT_EQ(Get(u"WorldTop"), R(60));
-    Call(u"GridSet", {Variant::Bool(true), R(0), R(10), I(5)}); // refused: a size is not positive
-    EXPECT_EQ(Get(u"GridOn"), Variant::Bool(false));
-    Call(u"GridSet", {Variant::Bool(true), R(5), R(5), I(5)});
-    EXPECT_EQ(Get(u"GridOn"), Variant::Bool(true));
-    Variant n = Call(u"DrawRectangle", {R(41), R(41), R(53), R(53), I(1)});
-    Call(u"ShapePointSnapToGrid", {n, I(1)});
-    EXPECT_EQ(Call(u"ShapePointGetX", {n, I(1)}), R(55));
-}
-
 } // namespace
 } // namespace bvx
