@@ -6,6 +6,7 @@
 
 #include "platform/HostWindow.h"
 #include "platform/PointerImage.h"
+#include "shapes/ShapeTypes.h"
 
 #include <array>
 #include <cstddef>
@@ -14,25 +15,6 @@
 #include <vector>
 
 namespace bvx {
-
-// The roles, by the MouseMode that names them to the host.
-namespace PointerRole {
-constexpr int16_t NetZoom = -3;
-constexpr int16_t Pan = -2;
-constexpr int16_t NetSelect = -1;
-constexpr int16_t Select = 0; // the select tool, and idle
-constexpr int16_t Draw = 1;   // any drawing tool; also what an unknown MouseMode reads
-constexpr int16_t SizeCorner = 2;
-constexpr int16_t SizeVertical = 3;
-constexpr int16_t SizeHorizontal = 4;
-constexpr int16_t SizeRising = 5;
-constexpr int16_t SizeFalling = 6;
-constexpr int16_t MoveFree = 7;
-constexpr int16_t MoveVertical = 8;
-constexpr int16_t MoveHorizontal = 9;
-constexpr int16_t Wait = 10;
-constexpr int16_t Copy = 11;
-} // namespace PointerRole
 
 class PointerTable {
 public:

@@ -14,10 +14,6 @@ namespace bvx {
 namespace {
 constexpr int32_t kInnerDeflate = 6;
 constexpr int32_t kBorderTolerance = 3;
-// Pointer roles: top and bottom handles, left and right handles, the centre.
-constexpr int16_t kRoleVertical = 3;
-constexpr int16_t kRoleHorizontal = 4;
-constexpr int16_t kRoleCentre = 9;
 } // namespace
 
 CEllipseShape::CEllipseShape() { SetShapeType(bvxEllipse, 0); }
@@ -38,7 +34,10 @@ WorldPoint CEllipseShape::GetHandlePoint(int32_t handle, const ShapeContext&) co
 
 int16_t CEllipseShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const
 {
-    int16_t role = handle == 1 || handle == 3 ? kRoleVertical : handle == 2 || handle == 4 ? kRoleHorizontal : kRoleCentre;
+    // The centre moves the shape; it has always shown the pointer of role 9.
+    int16_t role = handle == 1 || handle == 3   ? PointerRole::SizeVertical
+                   : handle == 2 || handle == 4 ? PointerRole::SizeHorizontal
+                                                : PointerRole::MoveHorizontal;
     return size_t(role) < pointers.size() ? pointers[size_t(role)] : role;
 }
 

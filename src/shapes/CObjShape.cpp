@@ -16,25 +16,19 @@ constexpr double kTiny = 1e-7;
 constexpr double kTwoPi = 2 * std::numbers::pi;
 constexpr double kFullTurnLimit = 6.2831854071795865;
 constexpr int32_t kHandleHalf = 3;
-
-// Pointer roles of the tracker handles: corners, top and bottom, left and right.
-constexpr int16_t kRoleCorner = 2;
-constexpr int16_t kRoleVertical = 3;
-constexpr int16_t kRoleHorizontal = 4;
-constexpr int16_t kRoleOther = 7;
 } // namespace
 
 WorldPoint CObjShape::GetHandlePoint(int32_t, const ShapeContext&) const { return {}; }
 
 int16_t CObjShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const
 {
-    int16_t role = kRoleOther;
+    int16_t role = PointerRole::MoveFree;
     if (handle == 1 || handle == 3 || handle == 5 || handle == 7 || handle == 55)
-        role = kRoleCorner;
+        role = PointerRole::SizeCorner;
     else if (handle == 2 || handle == 6)
-        role = kRoleVertical;
+        role = PointerRole::SizeVertical;
     else if (handle == 4 || handle == 8)
-        role = kRoleHorizontal;
+        role = PointerRole::SizeHorizontal;
     return size_t(role) < pointers.size() ? pointers[size_t(role)] : role;
 }
 

@@ -39,6 +39,26 @@ constexpr bool IsToolNumber(int32_t tool)
 // The tools that draw a shape, as opposed to select, pan and zoom.
 constexpr bool IsDrawingTool(int32_t tool) { return tool >= bvxRectangle && tool <= bvxEllipse; }
 
+// Mouse pointer roles, by the MouseMode that names them to the host; a shape
+// names the role of each of its handles.
+namespace PointerRole {
+constexpr int16_t NetZoom = -3;
+constexpr int16_t Pan = -2;
+constexpr int16_t NetSelect = -1;
+constexpr int16_t Select = 0; // the select tool, and idle
+constexpr int16_t Draw = 1;   // any drawing tool; also what an unknown MouseMode reads
+constexpr int16_t SizeCorner = 2;
+constexpr int16_t SizeVertical = 3;
+constexpr int16_t SizeHorizontal = 4;
+constexpr int16_t SizeRising = 5;
+constexpr int16_t SizeFalling = 6;
+constexpr int16_t MoveFree = 7;
+constexpr int16_t MoveVertical = 8;
+constexpr int16_t MoveHorizontal = 9;
+constexpr int16_t Wait = 10;
+constexpr int16_t Copy = 11;
+} // namespace PointerRole
+
 // Search methods: where a press must land to find a shape.
 constexpr int16_t kSearchOnBorder = 0;
 constexpr int16_t kSearchInShape = 1;
