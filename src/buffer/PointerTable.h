@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace bvx {
@@ -29,6 +30,10 @@ public:
     int16_t Role(int32_t mouseMode) const;
     // Stores any value; a MouseMode outside the roles changes nothing.
     void SetRole(int32_t mouseMode, int16_t value);
+
+    // The role table from role 0 on, indexed by role, as shapes name the
+    // pointers of their handles.
+    std::span<const int16_t> HandleRoles() const { return std::span<const int16_t>(roles_).subspan(-kFirstRole); }
 
     // Appends an image; the value that names it, or -1 when no value is left.
     int16_t Add(PointerImage image);

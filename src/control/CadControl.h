@@ -54,6 +54,10 @@ public:
     // context (clipped to what needs painting) and its client rectangle.
     void OnDraw(HostWindow* window, DeviceContext& dc, const DeviceRect& clientBounds);
 
+    // The window procedure: a message as the platform numbers and packs it,
+    // and the result the window returns. Every host feeds its input here.
+    int64_t WindowProc(uint32_t msg, uint64_t wParam, int64_t lParam);
+
     // The container's notices. Sinks are called in the order they came; a
     // frozen control asks and tells the property sinks nothing.
     void AdvisePropertyNotify(PropertyNotifySink* sink);
@@ -274,6 +278,23 @@ public:
     int16_t GetPointer() const;
 
 private:
+    // Input, one handler per message; mouse handlers get wParam's flags and
+    // the packed point.
+    void OnLButtonDown(uint64_t wParam, int64_t lParam);
+    void OnLButtonUp(uint64_t wParam, int64_t lParam);
+    void OnLButtonDblClk(uint64_t wParam, int64_t lParam);
+    void OnRButtonDown(uint64_t wParam, int64_t lParam);
+    void OnRButtonUp(uint64_t wParam, int64_t lParam);
+    void OnMouseMove(uint64_t wParam, int64_t lParam);
+    void OnSetCursor();
+    void OnKeyDown(uint64_t key);
+    void OnKeyUp(uint64_t key);
+    void OnCommand(uint64_t wParam);
+    void ShowToolMenu(DevicePoint point);
+    // The world point of a press: exact after the pointer was put on a snap.
+    WorldPoint PressPoint(DevicePoint point) const;
+    bool OutsideView(DevicePoint point) const;
+
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
     void PutWorldEdge(double& edge, double value, int32_t mode);
     // Makes a shape of a type on a layer and sets its first two points.

@@ -15,7 +15,7 @@ int16_t CadControl::ViewMouseIconAdd(std::u16string fileName)
     return image ? view_.Buf.Pointers.Add(std::move(*image)) : int16_t(-1);
 }
 
-void CadControl::SetPointer(int16_t value) { view_.Buf.Pointers.SetPointer(value, view_.Window); }
+void CadControl::SetPointer(int16_t value) { view_.SetPointer(value); }
 
 int16_t CadControl::GetPointer() const { return view_.Buf.Pointers.GetPointer(); }
 

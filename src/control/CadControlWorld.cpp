@@ -105,11 +105,7 @@ Reply<int32_t> CadControl::GetViewMouseTool()
     return Reply<int32_t>::With(view_.CurrentTool);
 }
 
-void CadControl::PutViewMouseTool(int32_t tool)
-{
-    view_.CancelMouse();
-    view_.SetMouseTool(int16_t(tool));
-}
+void CadControl::PutViewMouseTool(int32_t tool) { view_.ChooseTool(int16_t(tool)); }
 
 bool CadControl::GetViewPersistMouseTool() { return view_.ViewPersistMouseTool; }
 void CadControl::PutViewPersistMouseTool(bool on)

@@ -1,8 +1,7 @@
 #include "CadView.h"
 
 #include "platform/DeviceContext.h"
-#include "shapes/CEllipseShape.h"
-#include "shapes/CRectShape.h"
+#include "tools/ToolBox.h"
 #include "world/Rounding.h"
 
 #include <algorithm>
@@ -16,7 +15,8 @@ constexpr int32_t kSnapMarkerMargin = kSnapMarkerArm + 1;
 constexpr int32_t kCaretSize = 6;
 } // namespace
 
-CadView::CadView(HostWindow* window, EventSink* sink) : Owner(sink), Window(window)
+CadView::CadView(HostWindow* window, EventSink* sink)
+    : Owner(sink), Window(window), Tools(std::make_unique<ToolBox>())
 {
     if (window) {
         World.ScreenDpiX = World.OutputDpiX = window->ScreenDpiX();
@@ -84,7 +84,7 @@ void CadView::CancelMouse()
 {
     if (!DrawInProgress) return;
     DrawAbort = true;
-    if (Tools) Tools->ResetForCancel(CurrentTool);
+    Tools->ResetForCancel(CurrentTool);
     if (Buf.SnapMarkerUp) {
         InvalidateSnapMarker();
         Buf.SnapMarkerUp = 0;
@@ -226,33 +226,57 @@ void CadView::ClearSelection(CObjShape* shape)
 
 CObjShape* CadView::CreateShape(int16_t type, int32_t layerNumber)
 {
-    CadLayer* layer = Buf.Layer(layerNumber);
-    if (!layer) return nullptr;
-    int16_t search = layer->GetSearchMethod(type);
-    std::unique_ptr<CObjShape> shape;
-    switch (type) {
-    case bvxRectangle:
-    case bvxRoundRectangle:
-    case bvx2PointEllipse:
-    case bvxLine: {
-        auto rect = std::make_unique<CRectShape>();
-        rect->SetShapeType(uint8_t(type), type == bvxLine ? 0 : search);
-        // A new rounded rectangle's corners take 16 pixels at today's scale.
-        if (type == bvxRoundRectangle) rect->Radius = World.DeviceSizeToWorld({16, 16});
-        shape = std::move(rect);
-        break;
+    CDrawTool* tool = Tools->ToolFor(type);
+    return tool ? tool->CreateShape(*this, type, layerNumber) : nullptr;
+}
+
+void CadView::ChooseTool(int16_t tool)
+{
+    CancelMouse();
+    if (CurrentTool == bvxNetSelect || CurrentTool == bvxNetZoom) Tools->Select.State = CSelectTool::Idle;
+    SetMouseTool(tool);
+}
+
+WorldPoint CadView::SnapToLines(DevicePoint device, WorldPoint point, const CObjShape* skip)
+{
+    const int32_t oldNumber = Buf.SnapMarkerUp;
+    const WorldPoint oldPoint = Buf.SnapPoint;
+    double best = -1.0;
+    int32_t bestNumber = 0;
+    WorldPoint bestPoint{};
+    constexpr int16_t kShownAndFound = LayerActions::Show | LayerActions::Find;
+    for (size_t l = Buf.Layers.size(); l-- > 1;) {
+        const CadLayer& layer = *Buf.Layers[l];
+        if ((layer.Action & kShownAndFound) != kShownAndFound) continue;
+        for (size_t i = layer.Shapes.size(); i-- > 0;) {
+            CObjShape* shape = layer.Shapes[i].get();
+            if (shape->GetShapeType() != bvxLine || shape == skip || !shape->HitTest(device, *this)) continue;
+            const WorldPoint end = shape->GetPoint(shape->NearestPoint(device, *this), *this);
+            const double distance = Distance(end, point);
+            // Later lines are measured from the end already found.
+            if (best <= 0 || distance < best) {
+                best = distance;
+                bestNumber = shape->Number;
+                bestPoint = end;
+                point = end;
+            }
+        }
     }
-    case bvxCircle:
-    case bvxEllipse: {
-        auto ellipse = std::make_unique<CEllipseShape>();
-        ellipse->SetShapeType(uint8_t(type), search);
-        shape = std::move(ellipse);
-        break;
+    if (bestNumber == 0) {
+        if (oldNumber) InvalidateSnapMarker();
+        Buf.SnapMarkerUp = 0;
+        return point;
     }
-    default:
-        return nullptr;
+    if (bestNumber != oldNumber || !(bestPoint == oldPoint)) {
+        InvalidateSnapMarker();
+        Buf.SnapMarkerUp = bestNumber;
+        Buf.SnapPoint = bestPoint;
+        if (!(bestPoint == oldPoint)) {
+            InvalidateSnapMarker();
+            Fire<&EventSink::WorldMouseSnap>(int16_t(1), bestPoint.x, bestPoint.y);
+        }
     }
-    return Buf.AddShape(std::move(shape), *this, layerNumber);
+    return bestPoint;
 }
 
 void CadView::FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle)

@@ -24,6 +24,8 @@ constexpr int32_t DeleteSelection = 4; // delete the selection, then repaint the
 
 // The view is the context its shapes and document work in (ShapeContext,
 // which also holds the world mapping) and is-a colour table.
+class ToolBox;
+
 class CadView : public CadColorTable, public ShapeContext {
 public:
     explicit CadView(HostWindow* window = nullptr, EventSink* sink = nullptr);
@@ -85,15 +87,20 @@ public:
     void RadiusDragged(double radiusX, double radiusY) override { Fire<&EventSink::DrawRadius>(radiusX, radiusY); }
 
     // Makes an empty shape of a type in a layer, the way the tools and the
-    // members do without a mouse; null for a type no class draws.
+    // members do without a mouse; null for a type no tool makes.
     CObjShape* CreateShape(int16_t type, int32_t layerNumber);
 
-    // Tools hook in here: the mouse state they keep is reset on a cancel.
-    struct ToolStateHooks {
-        virtual ~ToolStateHooks() = default;
-        virtual void ResetForCancel(int16_t currentTool) = 0;
-    };
-    ToolStateHooks* Tools = nullptr;
+    // The mouse tools of this view and the state they share.
+    std::unique_ptr<ToolBox> Tools;
+    // What a host's choice of tool does: the drag under way is cancelled.
+    void ChooseTool(int16_t tool);
+    // The pointer: an image's value, or the value a role stands for.
+    void SetPointer(int16_t value) { Buf.Pointers.SetPointer(value, Window); }
+    void ShowPointerRole(int16_t role) { SetPointer(Buf.Pointers.Role(role)); }
+    // The snap to lines of a move: the end of the nearest line under the
+    // pointer replaces the point, and the marker follows it. `skip` is the
+    // shape being drawn or resized, which must not snap to itself.
+    WorldPoint SnapToLines(DevicePoint device, WorldPoint point, const CObjShape* skip);
 
     // Fires an event of the sink, e.g. Fire<&EventSink::ShapeNumberAdded>(type,
     // number); nothing happens without a sink.

@@ -8,16 +8,16 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace bvx {
 
 struct PopupMenuItem {
-    uint32_t command = 0; // 0 with an empty text is a separator
+    int32_t command = 0;
     std::u16string text;
-    bool checked = false;
-    bool enabled = true;
+    bool separator = false; // a line; never chosen
 };
 
 class HostWindow {
@@ -50,12 +50,16 @@ public:
     virtual void SetPointerImage(const PointerImage& image) = 0;
     virtual void SetFocus() = 0;
 
-    // Returns the chosen command, 0 if none.
-    virtual uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint screen) = 0;
+    // Shows a menu at a screen point and waits; the chosen command, or
+    // nothing when the user dismissed it (a command may well be 0).
+    virtual std::optional<int32_t> TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint screen) = 0;
     // A message box; not named MessageBox, which the platform headers turn into a macro.
     virtual int32_t ShowMessage(const std::u16string& text, const std::u16string& caption, uint32_t flags) = 0;
-    // Handles pending input so that a long operation can see a key or a cancel.
+    // Dispatches every message waiting for the window, so that a long
+    // operation can see a key or a cancel, and a key its character.
     virtual void PumpMessages() = 0;
+    // What the system does with a message the control leaves alone.
+    virtual int64_t DefaultProcedure(uint32_t, uint64_t, int64_t) { return 0; }
 
     virtual int32_t ScreenDpiX() const = 0;
     virtual int32_t ScreenDpiY() const = 0;

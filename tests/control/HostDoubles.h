@@ -66,7 +66,10 @@ public:
                         " hot " + std::to_string(image.hotSpot.x) + "," + std::to_string(image.hotSpot.y));
     }
     void SetFocus() override { calls.push_back("SetFocus"); }
-    uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override { return 0; }
+    std::optional<int32_t> TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override
+    {
+        return std::nullopt;
+    }
     int32_t ShowMessage(const std::u16string&, const std::u16string&, uint32_t) override { return 1; }
     void PumpMessages() override {}
     int32_t ScreenDpiX() const override { return 96; }

@@ -70,4 +70,31 @@ std::unique_ptr<DeviceContext> CliWindow::BeginPaint()
     return dc;
 }
 
+int64_t CliWindow::Send(uint32_t msg, uint64_t wParam, int64_t lParam)
+{
+    return procedure_ ? procedure_(msg, wParam, lParam) : 0;
+}
+
+void CliWindow::PumpMessages()
+{
+    // Each message is taken off the queue before it runs: a handler may pump
+    // again.
+    while (!queue_.empty()) {
+        Message m = queue_.front();
+        queue_.pop_front();
+        Send(m.msg, m.wParam, m.lParam);
+    }
+}
+
+std::optional<int32_t> CliWindow::TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint)
+{
+    ++menusShown_;
+    std::optional<int32_t> answer = menuAnswer_;
+    menuAnswer_.reset();
+    if (!answer) return std::nullopt;
+    for (const PopupMenuItem& item : items)
+        if (!item.separator && item.command == *answer) return answer;
+    return std::nullopt;
+}
+
 } // namespace bvx::script

@@ -7,6 +7,9 @@
 #include "platform/HostWindow.h"
 #include "platform/PointerImage.h"
 
+#include <deque>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +30,18 @@ public:
     // becomes valid, as the platform's BeginPaint does; null when nothing is
     // invalid.
     std::unique_ptr<DeviceContext> BeginPaint();
+
+    // Where the window's messages go: the control's window procedure.
+    using Procedure = std::function<int64_t(uint32_t msg, uint64_t wParam, int64_t lParam)>;
+    void SetProcedure(Procedure procedure) { procedure_ = std::move(procedure); }
+    // Sends a message now and returns the procedure's result.
+    int64_t Send(uint32_t msg, uint64_t wParam, int64_t lParam);
+    // Queues a message for the next pump, as the platform's PostMessage.
+    void Post(uint32_t msg, uint64_t wParam, int64_t lParam) { queue_.push_back({msg, wParam, lParam}); }
+    // The answer the next menu gives: a command, or nothing chosen.
+    void SetMenuAnswer(std::optional<int32_t> answer) { menuAnswer_ = answer; }
+    // How many menus the window has shown.
+    int32_t MenusShown() const { return menusShown_; }
 
     // What a caller may look at.
     DevicePoint CaretPos() const { return caretPos_; }
@@ -53,9 +68,10 @@ public:
     void DestroyCaret() override { caretShown_ = false; }
     void SetPointerImage(const PointerImage& image) override { pointer_ = image; }
     void SetFocus() override { focus_ = true; }
-    uint32_t TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override { return 0; }
+    // One menu takes the answer given; a command no item carries is nothing chosen.
+    std::optional<int32_t> TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint) override;
     int32_t ShowMessage(const std::u16string&, const std::u16string&, uint32_t) override { return kIdOk; }
-    void PumpMessages() override {}
+    void PumpMessages() override;
     int32_t ScreenDpiX() const override { return kDpi; }
     int32_t ScreenDpiY() const override { return kDpi; }
     bool UserMode() const override { return true; }
@@ -72,6 +88,15 @@ private:
     bool caretShown_ = false;
     bool focus_ = false;
     PointerImage pointer_;
+    struct Message {
+        uint32_t msg;
+        uint64_t wParam;
+        int64_t lParam;
+    };
+    std::deque<Message> queue_;
+    Procedure procedure_;
+    std::optional<int32_t> menuAnswer_;
+    int32_t menusShown_ = 0;
 };
 
 } // namespace bvx::script

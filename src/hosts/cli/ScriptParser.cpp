@@ -218,6 +218,13 @@ public:
         return BlankLine{};
     }
 
+    std::vector<Argument> Values(std::string& error)
+    {
+        std::vector<Argument> values = Arguments(TokenKind::End, error);
+        ExpectEnd(error);
+        return values;
+    }
+
 private:
     const Token& Peek() const { return tokens_[next_]; }
     const Token& Take() { return tokens_[next_ < tokens_.size() - 1 ? next_++ : next_]; }
@@ -318,6 +325,13 @@ ParsedLine ParseHostCommand(std::string_view line)
 }
 
 } // namespace
+
+std::vector<Argument> ParseValues(std::string_view text, std::string& error)
+{
+    std::vector<Token> tokens;
+    if (!Lexer(text).Run(tokens, error)) return {};
+    return Parser(std::move(tokens)).Values(error);
+}
 
 ParsedLine ParseLine(std::string_view line)
 {

@@ -58,5 +58,7 @@ struct ParsedLine {
 };
 
 ParsedLine ParseLine(std::string_view line);
+// A host command's values: comma-separated, written as arguments are.
+std::vector<Argument> ParseValues(std::string_view text, std::string& error);
 
 } // namespace bvx::script

@@ -1,7 +1,10 @@
 #include "ScriptRunner.h"
 
+#include "KeyboardLayout.h"
 #include "ValueFormat.h"
+#include "platform/WindowMessages.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace bvx::script {
@@ -95,6 +98,14 @@ std::string Explain(HResult hr, const MemberRow& row, const std::vector<Variant>
 ScriptRunner::ScriptRunner(CadControl& control, EventLog& events, std::ostream& out)
     : control_(control), events_(events), out_(out)
 {
+    window_.SetProcedure([this](uint32_t msg, uint64_t wParam, int64_t lParam) {
+        // The platform paints from its own message; so does this window.
+        if (msg == wm::Paint) {
+            PaintWindow();
+            return int64_t(0);
+        }
+        return control_.WindowProc(msg, wParam, lParam);
+    });
 }
 
 std::optional<ScriptError> ScriptRunner::Run(std::istream& script)
@@ -131,6 +142,14 @@ std::string ScriptRunner::Execute(const HostCommand& command)
         if (!window_.Exists()) return ".save needs a window: give it one with .size first";
         if (command.text.empty()) return ".save needs a file name";
         if (!WriteBitmapFile(*window_.Surface(), command.text)) return "cannot write " + command.text;
+    } else if (command.name == "message") {
+        return SendMessage(command.text);
+    } else if (command.name == "menu") {
+        return AnswerMenu(command.text);
+    } else if (command.name == "key") {
+        return PressKey(command.text);
+    } else if (command.name == "type") {
+        return TypeText(command.text);
     } else {
         return "unknown host command '." + command.name + "'";
     }
@@ -148,6 +167,88 @@ std::string ScriptRunner::SizeWindow(const std::string& text)
         return ".size takes a width and a height, 1 to " + std::to_string(kMaxSide) + ": '" + text + "'";
     window_.Resize(int32_t(width), int32_t(height));
     PaintWindow();
+    return {};
+}
+
+std::string ScriptRunner::Numbers(const std::string& command, const std::string& text, size_t required,
+                                  size_t limit, std::vector<int64_t>& numbers)
+{
+    std::string error;
+    std::vector<Argument> args = ParseValues(text, error);
+    if (!error.empty()) return "." + command + ": " + error;
+    if (args.size() < required || args.size() > limit)
+        return "." + command + " takes " + std::to_string(required) +
+               (limit > required ? " to " + std::to_string(limit) : std::string()) + " numbers";
+    numbers.assign(limit, 0);
+    for (size_t i = 0; i < args.size(); ++i) {
+        Variant value;
+        if (args[i].form == Argument::Form::Omitted) continue;
+        if (std::string e = Resolve(args[i], value); !e.empty()) return e;
+        Variant real;
+        // Whole numbers only; a 64-bit wParam fits in a double's 53 bits as far as a script needs.
+        if (value.Type() == VarType::Bstr || ChangeType(value, VarType::R8, real) != hresult::Ok ||
+            std::trunc(real.Real()) != real.Real() || std::fabs(real.Real()) > 9007199254740992.0)
+            return "." + command + ": value " + std::to_string(i + 1) + " is not a whole number";
+        numbers[i] = int64_t(real.Real());
+    }
+    return {};
+}
+
+std::string ScriptRunner::SendMessage(const std::string& text)
+{
+    std::vector<int64_t> n;
+    if (std::string error = Numbers("message", text, 1, 3, n); !error.empty()) return error;
+    const uint32_t msg = uint32_t(n[0]);
+    if (IsMouseMessage(msg)) {
+        // The system puts its cursor where the mouse is and asks for the
+        // pointer before it sends a mouse message.
+        window_.SetCursorPos(window_.ClientToScreen(PointFromLParam(n[2])));
+        window_.Send(wm::SetCursor, 0, MakeLParam(wm::HitClient, int32_t(msg)));
+    }
+    const int64_t result = window_.Send(msg, uint64_t(n[1]), n[2]);
+    window_.PumpMessages();
+    out_ << "-> " << result << '\n';
+    return {};
+}
+
+std::string ScriptRunner::AnswerMenu(const std::string& text)
+{
+    if (text == "none") {
+        window_.SetMenuAnswer(std::nullopt);
+        return {};
+    }
+    std::vector<int64_t> n;
+    if (std::string error = Numbers("menu", text, 1, 1, n); !error.empty()) return error + " (or none)";
+    window_.SetMenuAnswer(int32_t(n[0]));
+    return {};
+}
+
+std::string ScriptRunner::PressKey(const std::string& text)
+{
+    constexpr int64_t kPressed = 1;             // a repeat count of one
+    constexpr int64_t kReleased = 0xC0000001LL; // released, and down before
+    std::vector<int64_t> n;
+    if (std::string error = Numbers("key", text, 1, 1, n); !error.empty()) return error;
+    if (n[0] < 1 || n[0] > 254) return ".key takes a virtual-key code, 1 to 254";
+    const uint32_t key = uint32_t(n[0]);
+    // TranslateMessage posts the character; the key's own pump delivers it.
+    if (std::optional<char16_t> character = CharacterOfKey(key)) window_.Post(wm::Char, *character, kPressed);
+    window_.Send(wm::KeyDown, key, kPressed);
+    window_.PumpMessages();
+    window_.Send(wm::KeyUp, key, kReleased);
+    window_.PumpMessages();
+    return {};
+}
+
+std::string ScriptRunner::TypeText(const std::string& text)
+{
+    std::string error;
+    std::vector<Argument> args = ParseValues(text, error);
+    Variant value;
+    if (error.empty() && args.size() == 1 && args[0].form != Argument::Form::Omitted) error = Resolve(args[0], value);
+    if (!error.empty() || args.size() != 1 || value.Type() != VarType::Bstr) return ".type takes one string";
+    for (char16_t c : value.Text()) window_.Send(wm::Char, c, 1);
+    window_.PumpMessages();
     return {};
 }
 

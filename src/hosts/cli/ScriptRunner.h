@@ -27,6 +27,8 @@ struct ScriptError {
 class ScriptRunner {
 public:
     ScriptRunner(CadControl& control, EventLog& events, std::ostream& out);
+    ScriptRunner(const ScriptRunner&) = delete;
+    ScriptRunner& operator=(const ScriptRunner&) = delete;
 
     // Every line in order until the first that fails.
     std::optional<ScriptError> Run(std::istream& script);
@@ -43,6 +45,15 @@ private:
     std::string Execute(const NameAssignment& assignment);
 
     std::string SizeWindow(const std::string& text);
+    // The window's input: a message, the menu's answer, a key, typed text.
+    std::string SendMessage(const std::string& text);
+    std::string AnswerMenu(const std::string& text);
+    std::string PressKey(const std::string& text);
+    std::string TypeText(const std::string& text);
+    // A host command's values as numbers: at least `required`, at most
+    // `limit`, the missing ones 0.
+    std::string Numbers(const std::string& command, const std::string& text, size_t required, size_t limit,
+                        std::vector<int64_t>& numbers);
     // Paints what is invalid, as the platform's WM_PAINT does.
     void PaintWindow();
 

@@ -1,0 +1,18 @@
+// Draws the two-corner shapes in two presses: rectangle, rounded rectangle,
+// line and two-point ellipse. The rubber band drags the far corner.
+#pragma once
+
+#include "CDrawTool.h"
+
+namespace bvx {
+
+class CRectTool : public CDrawTool {
+public:
+    using CDrawTool::CDrawTool;
+
+    void OnLButtonDown(CadView& view, uint32_t flags, const WorldPoint& point) override;
+    void OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& point) override;
+    CObjShape* CreateShape(CadView& view, int16_t type, int32_t layerNumber) override;
+};
+
+} // namespace bvx

@@ -1,0 +1,37 @@
+#include "ToolBox.h"
+
+namespace bvx {
+
+ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this) {}
+
+CDrawTool* ToolBox::ToolFor(int16_t value)
+{
+    switch (value) {
+    case bvxNetZoom:
+    case bvxNetSelect:
+    case bvxSelect: return &Select;
+    case bvxPan: return &Pan;
+    case bvxRectangle:
+    case bvxRoundRectangle:
+    case bvxLine:
+    case bvx2PointEllipse: return &Rect;
+    case bvxCircle:
+    case bvxEllipse: return &Ellipse;
+    default: return nullptr; // the other shapes' tools come with their shapes
+    }
+}
+
+CDrawTool* ToolBox::FindTool(int16_t value)
+{
+    if (value == bvxNetSelect) Select.State = CSelectTool::NetSelect;
+    if (value == bvxNetZoom) Select.State = CSelectTool::NetZoom;
+    return ToolFor(value);
+}
+
+void ToolBox::ResetForCancel(int16_t currentTool)
+{
+    Select.State = CSelectTool::Idle;
+    if (CDrawTool* tool = ToolFor(currentTool)) tool->State = 0;
+}
+
+} // namespace bvx
