@@ -137,9 +137,10 @@ void CEllipseShape::MoveHandle(int32_t handle, WorldPoint point, ShapeContext& v
             if (handle == 1 || handle == 3) RadiusY = std::fabs(Centre.y - point.y);
             if (handle == 2 || handle == 4) RadiusX = std::fabs(Centre.x - point.x);
         }
-        view.RadiusDragged(RadiusX, RadiusY);
     }
     UpdateBounds(view);
+    // Last: the host may delete the shape from the event.
+    if (handle != 5) view.RadiusDragged(RadiusX, RadiusY);
 }
 
 std::unique_ptr<CObjShape> CEllipseShape::Clone(int16_t withAttr) const
