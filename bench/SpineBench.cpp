@@ -14,7 +14,7 @@ using namespace bvx;
 void FillWithRectangles(CadView& view, int count, int perRow, double pitch)
 {
     for (int i = 0; i < count; ++i) {
-        auto* r = view.CreateShape(bvxRectangle, 1);
+        CObjShape* r = view.Buf.FindShape(view.CreateShape(bvxRectangle, 1));
         double x = (i % perRow) * pitch, y = (i / perRow) * pitch;
         r->SetPoint(0, x, y, &view);
         r->SetPoint(1, x + pitch * 0.8, y + pitch * 0.8, &view);

@@ -12,11 +12,10 @@ namespace bvx {
 int32_t CadControl::DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer)
 {
     if (!view_.Buf.IsLayer(layer)) return kNoShape;
-    CObjShape* shape = view_.CreateShape(type, layer);
-    if (!shape) return kNoShape;
+    const int32_t number = view_.CreateShape(type, layer);
     // The host may have deleted the shape from the event that announced it.
-    int32_t number = shape->Number;
-    if (!(shape = Shape(number))) return number;
+    CObjShape* shape = Shape(number);
+    if (!shape) return number;
     shape->SetPoint(0, first.x, first.y, &view_);
     shape->SetPoint(1, second.x, second.y, &view_);
     view_.InvalidateShape(shape, true);
@@ -43,8 +42,7 @@ int32_t CadControl::DrawCircle(double cx, double cy, double r, int16_t layer)
 int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)
 {
     if (!view_.Buf.IsLayer(layer) || type < 1 || type > 20) return kNoShape;
-    CObjShape* shape = view_.CreateShape(int16_t(type), layer);
-    return shape ? shape->Number : kNoShape;
+    return view_.CreateShape(int16_t(type), layer);
 }
 
 void CadControl::ShapeDelete(int32_t number)

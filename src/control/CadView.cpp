@@ -224,10 +224,10 @@ void CadView::ClearSelection(CObjShape* shape)
     }
 }
 
-CObjShape* CadView::CreateShape(int16_t type, int32_t layerNumber)
+int32_t CadView::CreateShape(int16_t type, int32_t layerNumber)
 {
     CDrawTool* tool = Tools->ToolFor(type);
-    return tool ? tool->CreateShape(*this, type, layerNumber) : nullptr;
+    return tool ? tool->CreateShape(*this, type, layerNumber) : -1;
 }
 
 void CadView::ChooseTool(int16_t tool)

@@ -87,8 +87,8 @@ public:
     void RadiusDragged(double radiusX, double radiusY) override { Fire<&EventSink::DrawRadius>(radiusX, radiusY); }
 
     // Makes an empty shape of a type in a layer, the way the tools and the
-    // members do without a mouse; null for a type no tool makes.
-    CObjShape* CreateShape(int16_t type, int32_t layerNumber);
+    // members do without a mouse; its number, or -1 for a type no tool makes.
+    int32_t CreateShape(int16_t type, int32_t layerNumber);
 
     // The mouse tools of this view and the state they share.
     std::unique_ptr<ToolBox> Tools;

@@ -92,10 +92,10 @@ bool CDrawTool::StartShape(CadView& view, std::unique_ptr<CObjShape> shape, int3
         }
         return false;
     }
+    // The number is known before the host hears of the shape.
     const int16_t type = shape->GetShapeType();
-    CObjShape* added = view.Buf.AddShape(std::move(shape), view, -1, -1, false);
-    Box.DrawnNumber = added->Number;
-    view.ShapeAdded(type, added->Number);
+    Box.DrawnNumber = view.Buf.AddShape(std::move(shape), view, -1, -1, false)->Number;
+    view.ShapeAdded(type, Box.DrawnNumber);
     return !CheckAbort(view);
 }
 
@@ -131,6 +131,16 @@ bool CDrawTool::TakeBackOnSameSpot(CadView& view, const WorldPoint& point)
 CObjShape* CDrawTool::DrawnShape(CadView& view) const
 {
     return Box.DrawnNumber == -1 ? nullptr : view.Buf.FindShape(Box.DrawnNumber);
+}
+
+int32_t CDrawTool::EnterShape(CadView& view, std::unique_ptr<CObjShape> shape, int32_t layerNumber)
+{
+    const int16_t type = shape->GetShapeType();
+    CObjShape* added = view.Buf.AddShape(std::move(shape), view, layerNumber, -1, false);
+    if (!added) return -1;
+    const int32_t number = added->Number;
+    view.ShapeAdded(type, number);
+    return number;
 }
 
 int16_t CDrawTool::ToolSearch(const CadView& view, int16_t type)

@@ -33,9 +33,10 @@ public:
     virtual void OnLButtonDblClk(CadView&, uint32_t, const WorldPoint&) {}
     virtual void OnLButtonUp(CadView&, uint32_t, const WorldPoint&) {}
     virtual void OnMouseMove(CadView&, uint32_t, const WorldPoint&) {}
-    // An empty shape of a type in a layer, entered there, without a mouse;
-    // null for a type this tool doesn't make.
-    virtual CObjShape* CreateShape(CadView&, int16_t, int32_t) { return nullptr; }
+    // An empty shape of a type in a layer, entered there, without a mouse:
+    // its number, or -1 for a type this tool doesn't make. A number, as the
+    // host may delete the shape from the event that announces it.
+    virtual int32_t CreateShape(CadView&, int16_t, int32_t) { return -1; }
 
     // The steps every tool shares.
     void BeginMouse(CadView& view, const WorldPoint& point);
@@ -59,6 +60,8 @@ protected:
     bool TakeBackOnSameSpot(CadView& view, const WorldPoint& point);
     // The shape this tool is drawing, if it is still there.
     CObjShape* DrawnShape(CadView& view) const;
+    // Enters a shape in a layer and announces it; its number.
+    static int32_t EnterShape(CadView& view, std::unique_ptr<CObjShape> shape, int32_t layerNumber);
     // The search method the current layer gives a type.
     static int16_t ToolSearch(const CadView& view, int16_t type);
 

@@ -34,13 +34,13 @@ void CEllipseTool::OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& 
     Box.Select.OnMouseMove(view, flags, point);
 }
 
-CObjShape* CEllipseTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
+int32_t CEllipseTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
     const CadLayer* layer = view.Buf.Layer(layerNumber);
-    if (!layer) return nullptr;
+    if (!layer) return -1;
     auto shape = std::make_unique<CEllipseShape>();
     shape->SetShapeType(uint8_t(type), layer->GetSearchMethod(type));
-    return view.Buf.AddShape(std::move(shape), view, layerNumber);
+    return EnterShape(view, std::move(shape), layerNumber);
 }
 
 } // namespace bvx

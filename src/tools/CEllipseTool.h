@@ -16,7 +16,7 @@ public:
 
     void OnLButtonDown(CadView& view, uint32_t flags, const WorldPoint& point) override;
     void OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& point) override;
-    CObjShape* CreateShape(CadView& view, int16_t type, int32_t layerNumber) override;
+    int32_t CreateShape(CadView& view, int16_t type, int32_t layerNumber) override;
 };
 
 } // namespace bvx

@@ -34,14 +34,14 @@ void CRectTool::OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& poi
     Box.Select.OnMouseMove(view, flags, point);
 }
 
-CObjShape* CRectTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
+int32_t CRectTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
     const CadLayer* layer = view.Buf.Layer(layerNumber);
-    if (!layer) return nullptr;
+    if (!layer) return -1;
     auto shape = std::make_unique<CRectShape>();
     if (type >= bvxRectangle && type <= bvx2PointEllipse)
         PrepareShape(*shape, type, layer->GetSearchMethod(type), view.World);
-    return view.Buf.AddShape(std::move(shape), view, layerNumber);
+    return EnterShape(view, std::move(shape), layerNumber);
 }
 
 } // namespace bvx

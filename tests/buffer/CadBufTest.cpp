@@ -138,7 +138,7 @@ TEST_F(Buf, ClearAllEmptiesEverythingUntilReset)
     EXPECT_TRUE(view.Buf.Layers.empty());
     EXPECT_TRUE(view.Buf.ShapeMap.Empty());
     EXPECT_TRUE(view.Buf.Selection.empty());
-    EXPECT_EQ(view.CreateShape(bvxRectangle, 1), nullptr);
+    EXPECT_EQ(view.CreateShape(bvxRectangle, 1), -1);
     view.Buf.Reset();
     EXPECT_EQ(view.Buf.Layers.size(), 2u);
     EXPECT_EQ(AddRect(0, 0, 1, 1)->Number, 1);

@@ -11,17 +11,16 @@ TEST(CadViewHeadless, RunsWithoutWindowOrSink)
 {
     CadView view;
     EXPECT_FALSE(view.ViewReady);
-    auto* shape = view.CreateShape(bvxRectangle, 1);
-    ASSERT_TRUE(shape);
-    EXPECT_EQ(shape->Number, 1);
+    ASSERT_EQ(view.CreateShape(bvxRectangle, 1), 1);
+    CObjShape* shape = view.Buf.FindShape(1);
     view.Redraw(RedrawMode::Full); // ignored without a window
     EXPECT_TRUE(view.RebuildBackBuffer);
     view.Buf.Select(shape);
     view.Redraw(RedrawMode::DeleteSelection); // the repaint is skipped, the deletion is not
     EXPECT_EQ(view.Buf.FindShape(1), nullptr);
     view.Fire<&EventSink::Click>(1, 2); // no sink: quiet
-    EXPECT_EQ(view.CreateShape(16, 1), nullptr);
-    EXPECT_EQ(view.CreateShape(bvxRectangle, 7), nullptr);
+    EXPECT_EQ(view.CreateShape(16, 1), -1);
+    EXPECT_EQ(view.CreateShape(bvxRectangle, 7), -1);
 }
 
 TEST_F(View, ColourTableStartsWithTwentyThreeColoursAndGrows)

@@ -17,7 +17,7 @@ protected:
 
     CRectShape* AddRect(double x1, double y1, double x2, double y2, int32_t layer = 1, int16_t type = bvxRectangle)
     {
-        auto* shape = static_cast<CRectShape*>(view.CreateShape(type, layer));
+        auto* shape = static_cast<CRectShape*>(view.Buf.FindShape(view.CreateShape(type, layer)));
         if (!shape) return nullptr;
         shape->SetPoint(0, x1, y1, &view);
         shape->SetPoint(1, x2, y2, &view);
@@ -27,7 +27,7 @@ protected:
     CEllipseShape* AddEllipse(double cx, double cy, double rx, double ry, int32_t layer = 1,
                               int16_t type = bvxEllipse)
     {
-        auto* shape = static_cast<CEllipseShape*>(view.CreateShape(type, layer));
+        auto* shape = static_cast<CEllipseShape*>(view.Buf.FindShape(view.CreateShape(type, layer)));
         if (!shape) return nullptr;
         shape->SetPoint(0, cx, cy, &view);
         shape->SetPoint(1, rx, ry, &view);
