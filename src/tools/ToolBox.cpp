@@ -31,6 +31,7 @@ CDrawTool* ToolBox::FindTool(int16_t value)
 void ToolBox::ResetForCancel(int16_t currentTool)
 {
     Select.State = CSelectTool::Idle;
+    DrawnNumber = -1;
     if (CDrawTool* tool = ToolFor(currentTool)) tool->State = 0;
 }
 

@@ -1,6 +1,7 @@
 #include "CliWindow.h"
 
 #include "platform/ByteStream.h"
+#include "platform/WindowMessages.h"
 #include "platform/raster/RasterDeviceContext.h"
 #include "raster/Dib.h"
 
@@ -72,7 +73,21 @@ std::unique_ptr<DeviceContext> CliWindow::BeginPaint()
 
 int64_t CliWindow::Send(uint32_t msg, uint64_t wParam, int64_t lParam)
 {
-    return procedure_ ? procedure_(msg, wParam, lParam) : 0;
+    if (!procedure_) return 0;
+    if (IsMouseMessage(msg)) {
+        cursor_ = ClientToScreen(PointFromLParam(lParam));
+        heldKeys_ = wParam;
+        procedure_(wm::SetCursor, 0, MakeLParam(wm::HitClient, int32_t(msg)));
+    }
+    return procedure_(msg, wParam, lParam);
+}
+
+void CliWindow::SetCursorPos(DevicePoint screen)
+{
+    if (screen == cursor_) return;
+    cursor_ = screen;
+    const DevicePoint client = ScreenToClient(screen);
+    Post(wm::MouseMove, heldKeys_, MakeLParam(client.x, client.y));
 }
 
 void CliWindow::PumpMessages()

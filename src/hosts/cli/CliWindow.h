@@ -34,7 +34,9 @@ public:
     // Where the window's messages go: the control's window procedure.
     using Procedure = std::function<int64_t(uint32_t msg, uint64_t wParam, int64_t lParam)>;
     void SetProcedure(Procedure procedure) { procedure_ = std::move(procedure); }
-    // Sends a message now and returns the procedure's result.
+    // Sends a message now and returns the procedure's result. A mouse
+    // message first puts the cursor on its point and asks for the pointer
+    // with WM_SETCURSOR, as the system does.
     int64_t Send(uint32_t msg, uint64_t wParam, int64_t lParam);
     // Queues a message for the next pump, as the platform's PostMessage.
     void Post(uint32_t msg, uint64_t wParam, int64_t lParam) { queue_.push_back({msg, wParam, lParam}); }
@@ -57,7 +59,8 @@ public:
     DevicePoint ClientToScreen(DevicePoint p) const override { return p; }
     DevicePoint ScreenToClient(DevicePoint p) const override { return p; }
     DevicePoint GetCursorPos() const override { return cursor_; }
-    void SetCursorPos(DevicePoint screen) override { cursor_ = screen; }
+    // Moving the cursor makes the system send a mouse move to the window.
+    void SetCursorPos(DevicePoint screen) override;
     void SetCapture() override { capture_ = true; }
     void ReleaseCapture() override { capture_ = false; }
     bool HasCapture() const override { return capture_; }
@@ -96,6 +99,7 @@ private:
     std::deque<Message> queue_;
     Procedure procedure_;
     std::optional<int32_t> menuAnswer_;
+    uint64_t heldKeys_ = 0; // the button and key flags of the last mouse message
     int32_t menusShown_ = 0;
 };
 

@@ -198,14 +198,7 @@ std::string ScriptRunner::SendMessage(const std::string& text)
 {
     std::vector<int64_t> n;
     if (std::string error = Numbers("message", text, 1, 3, n); !error.empty()) return error;
-    const uint32_t msg = uint32_t(n[0]);
-    if (IsMouseMessage(msg)) {
-        // The system puts its cursor where the mouse is and asks for the
-        // pointer before it sends a mouse message.
-        window_.SetCursorPos(window_.ClientToScreen(PointFromLParam(n[2])));
-        window_.Send(wm::SetCursor, 0, MakeLParam(wm::HitClient, int32_t(msg)));
-    }
-    const int64_t result = window_.Send(msg, uint64_t(n[1]), n[2]);
+    const int64_t result = window_.Send(uint32_t(n[0]), uint64_t(n[1]), n[2]);
     window_.PumpMessages();
     out_ << "-> " << result << '\n';
     return {};
