@@ -143,9 +143,10 @@ int32_t CDrawTool::EnterShape(CadView& view, std::unique_ptr<CObjShape> shape, i
     return number;
 }
 
-int16_t CDrawTool::ToolSearch(const CadView& view, int16_t type)
+int16_t CDrawTool::ToolSearch(const CadView& view, int16_t type, int32_t layerNumber)
 {
-    return view.Buf.CurrentLayer ? view.Buf.CurrentLayer->GetSearchMethod(type) : kSearchOnBorder;
+    const CadLayer* layer = layerNumber == -1 ? view.Buf.CurrentLayer : view.Buf.Layer(layerNumber);
+    return layer ? layer->GetSearchMethod(type) : kSearchOnBorder;
 }
 
 } // namespace bvx

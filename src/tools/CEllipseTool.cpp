@@ -36,10 +36,8 @@ void CEllipseTool::OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& 
 
 int32_t CEllipseTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
-    const CadLayer* layer = view.Buf.Layer(layerNumber);
-    if (!layer) return -1;
     auto shape = std::make_unique<CEllipseShape>();
-    shape->SetShapeType(uint8_t(type), layer->GetSearchMethod(type));
+    shape->SetShapeType(uint8_t(type), ToolSearch(view, type, layerNumber));
     return EnterShape(view, std::move(shape), layerNumber);
 }
 

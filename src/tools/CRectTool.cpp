@@ -36,11 +36,9 @@ void CRectTool::OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& poi
 
 int32_t CRectTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
-    const CadLayer* layer = view.Buf.Layer(layerNumber);
-    if (!layer) return -1;
     auto shape = std::make_unique<CRectShape>();
     if (type >= bvxRectangle && type <= bvx2PointEllipse)
-        PrepareShape(*shape, type, layer->GetSearchMethod(type), view.World);
+        PrepareShape(*shape, type, ToolSearch(view, type, layerNumber), view.World);
     return EnterShape(view, std::move(shape), layerNumber);
 }
 
