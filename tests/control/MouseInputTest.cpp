@@ -1,0 +1,538 @@
+// Mouse input through the window procedure with a host that calls back into
+// the control from its events, as hosts may: whatever the host does from a
+// handler, the drawing must stay whole and the mouse must come free.
+#include "HostDoubles.h"
+#include "control/CadControl.h"
+#include "platform/WindowMessages.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <functional>
+#include <random>
+#include <unordered_set>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/common_interface_defs.h>
+#endif
+
+namespace bvx {
+namespace {
+
+using members::Kind;
+
+// A window whose tool menu answers as the user would.
+class MenuWindow : public testing::RecordingHostWindow {
+public:
+    std::optional<int32_t> menuChoice;
+    std::optional<int32_t> TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override
+    {
+        return menuChoice;
+    }
+};
+
+// A host: a window, a sink whose handler may call back, and the control.
+// The sink checks at each event what the event promises about the shape it
+// names, before the handler runs.
+class Host : public EventRecorder {
+public:
+    Host() : control(&window, this)
+    {
+        window.client = {0, 0, 201, 201};
+        Paint();
+        control.WorldSet(0, 200, 200, 0);
+    }
+
+    void Paint()
+    {
+        std::unique_ptr<DeviceContext> dc = window.GetDC();
+        control.OnDraw(&window, *dc, window.GetClientRect());
+    }
+    DevicePoint At(double x, double y) const { return control.View().World.WorldToDevice({x, y}); }
+    void Send(uint32_t msg, uint64_t wParam, DevicePoint p) { control.WindowProc(msg, wParam, MakeLParam(p.x, p.y)); }
+    void Click(DevicePoint p, uint32_t mods = 0)
+    {
+        Send(wm::LButtonDown, mk::LButton | mods, p);
+        Send(wm::LButtonUp, mods, p);
+    }
+
+    void OnEvent(const members::EventRow& event, std::span<const double> args) override
+    {
+        const CadBuf& buf = control.View().Buf;
+        const std::string_view name = event.name;
+        auto fault = [&](const char* what) {
+            faults.push_back(std::string(name) + " " + std::to_string(int32_t(args.back())) + ": " + what);
+        };
+        if (name == "ShapeNumberDeleted" && buf.FindShape(int32_t(args[0]))) fault("the shape is still there");
+        if (name == "ShapeNumberAdded") {
+            if (!buf.FindShape(int32_t(args[1]))) fault("the shape isn't in the drawing");
+            if (control.View().DrawInProgress) added.insert(int32_t(args[1]));
+            lastAdded = int32_t(args[1]);
+        }
+        if (name == "ShapeNumberSelected") {
+            const CObjShape* s = buf.FindShape(int32_t(args[1]));
+            if (!s || !s->Selected) fault("the shape isn't selected");
+            if (lastEvent == "DrawEnd") finished.insert(int32_t(args[1]));
+        }
+        lastEvent = name;
+        if (handler && depth < 2) {
+            ++depth;
+            handler(name, args);
+            --depth;
+        }
+    }
+
+    // Empty while the drawing agrees with itself; else the first thing that doesn't.
+    std::string Inconsistency() const
+    {
+        const CadView& view = control.View();
+        const CadBuf& buf = view.Buf;
+        const auto& sel = buf.Selection;
+        auto shape = [](const CObjShape& s) { return "shape " + std::to_string(s.Number); };
+        std::unordered_set<const CObjShape*> listed;
+        for (size_t l = 0; l < buf.Layers.size(); ++l) {
+            for (const auto& s : buf.Layers[l]->Shapes) {
+                listed.insert(s.get());
+                if (buf.FindShape(s->Number) != s.get()) return shape(*s) + " isn't found by its number";
+                if (s->Layer != int16_t(l))
+                    return shape(*s) + " in layer " + std::to_string(l) + " names layer " + std::to_string(s->Layer);
+                if (s->Selected && std::find(sel.begin(), sel.end(), s.get()) == sel.end())
+                    return shape(*s) + " is marked selected but isn't in the selection";
+            }
+        }
+        if (buf.ShapeMap.Size() != listed.size())
+            return "number table holds " + std::to_string(buf.ShapeMap.Size()) + ", layers " +
+                   std::to_string(listed.size());
+        std::unordered_set<const CObjShape*> seen;
+        int unnumbered = 0;
+        for (const CObjShape* s : sel) {
+            if (!seen.insert(s).second) return "a shape is twice in the selection";
+            // Only the shape being drawn, before it has its number, is outside every layer.
+            if (!listed.count(s)) {
+                if (!view.DrawInProgress) return "a selected shape is in no layer, with no draw in progress";
+                if (s->Number != -1 || ++unnumbered > 1) return "a numbered selected shape is in no layer";
+            }
+            if (!s->Selected) return "selected " + shape(*s) + " isn't marked selected";
+        }
+        if (buf.FocusShape && !listed.count(buf.FocusShape) && !seen.count(buf.FocusShape))
+            return "the focus shape is neither in a layer nor selected";
+        if ((view.MouseActive != 0) != window.capture)
+            return "MouseActive " + std::to_string(view.MouseActive) + " but capture " +
+                   (window.capture ? "held" : "free");
+        if (view.DrawInProgress && !view.MouseActive) return "a draw in progress without the mouse";
+        if (!faults.empty()) return faults.front();
+        return {};
+    }
+
+    std::vector<int32_t> LiveNumbers() const
+    {
+        std::vector<int32_t> numbers;
+        for (const auto& layer : control.View().Buf.Layers)
+            for (const auto& s : layer->Shapes) numbers.push_back(s->Number);
+        return numbers;
+    }
+
+    MenuWindow window;
+    CadControl control;
+    std::function<void(std::string_view, std::span<const double>)> handler;
+    std::vector<std::string> faults;
+    std::unordered_set<int32_t> added, finished; // by the mouse, and of those the ones finished
+    int32_t lastAdded = -1;
+    std::string_view lastEvent;
+    int depth = 0;
+};
+
+// ---- handlers that call back ----
+
+enum class Script { Draw, PressShape, CtrlPressShape, ResizeCircle, Net };
+
+struct Originals {
+    int32_t a, b, c; // a rectangle, a circle, a line
+};
+
+struct Reentry {
+    const char* name;
+    int16_t tool;
+    bool persist;
+    Script script;
+    std::string_view event;
+    void (*call)(Host&, const Originals&, std::span<const double>);
+    unsigned alive;    // bits 1, 2, 4: which of a, b, c are left
+    int16_t toolAfter; // kAnyTool: not checked
+};
+
+constexpr int16_t kAnyTool = -99;
+
+void ToSelectByName(Host& h, const Originals&, std::span<const double>)
+{
+    const Variant zero = Variant::I4(0);
+    h.control.Invoke(u"ViewMouseTool", Kind::PropertyPut, std::span(&zero, 1), nullptr);
+}
+void ToRectangle(Host& h, const Originals&, std::span<const double>) { h.control.PutViewMouseTool(bvxRectangle); }
+void DeleteA(Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.a); }
+void DeleteB(Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.b); }
+void DeleteNamed(Host& h, const Originals&, std::span<const double> args) { h.control.ShapeDelete(int32_t(args[1])); }
+void DeleteDrawn(Host& h, const Originals&, std::span<const double>) { h.control.ShapeDelete(h.lastAdded); }
+void DeleteSelection(Host& h, const Originals&, std::span<const double>) { h.control.ShapeSelectDelete(); }
+void ClearAll(Host& h, const Originals&, std::span<const double>) { h.control.CadClearAll(); }
+
+const Reentry kReentries[] = {
+    {"DrawBegin chooses the select tool by name", 1, false, Script::Draw, "DrawBegin", ToSelectByName, 7, 0},
+    {"DrawBegin chooses another drawing tool", 20, false, Script::Draw, "DrawBegin", ToRectangle, 7, 1},
+    {"DrawBegin deletes another shape", 1, false, Script::Draw, "DrawBegin", DeleteA, 7, 1},
+    {"DrawBegin deletes the selection", 19, false, Script::Draw, "DrawBegin", DeleteSelection, 7, 19},
+    {"DrawBegin clears the drawing", 20, false, Script::Draw, "DrawBegin", ClearAll, 0, kAnyTool},
+    {"ShapeNumberAdded deletes the new shape", 1, false, Script::Draw, "ShapeNumberAdded", DeleteNamed, 7, 1},
+    {"ShapeNumberAdded deletes the selection", 20, false, Script::Draw, "ShapeNumberAdded", DeleteSelection, 7, 20},
+    {"ShapeNumberAdded deletes the copy a Ctrl press makes", 0, false, Script::CtrlPressShape, "ShapeNumberAdded",
+     DeleteNamed, 7, 0},
+    {"ShapeNumberAdded clears the drawing", 19, false, Script::Draw, "ShapeNumberAdded", ClearAll, 0, kAnyTool},
+    {"DrawEnd deletes the new shape", 1, false, Script::Draw, "DrawEnd", DeleteDrawn, 7, 1},
+    // A delete during a draw only cancels it: the half-made shape goes, not the one named.
+    {"DrawEnd deletes another shape", 19, false, Script::Draw, "DrawEnd", DeleteA, 7, 19},
+    {"DrawEnd deletes the selection", 20, true, Script::Draw, "DrawEnd", DeleteSelection, 7, 20},
+    {"DrawEnd clears the drawing", 1, false, Script::Draw, "DrawEnd", ClearAll, 0, kAnyTool},
+    {"ShapeNumberSelected deletes the finished shape", 1, false, Script::Draw, "ShapeNumberSelected", DeleteNamed, 7,
+     0},
+    {"ShapeNumberSelected deletes the pressed shape", 0, false, Script::PressShape, "ShapeNumberSelected", DeleteNamed,
+     6, 0},
+    {"ShapeNumberSelected deletes the shape a Ctrl press copies", 0, false, Script::CtrlPressShape,
+     "ShapeNumberSelected", DeleteNamed, 6, 0},
+    // Without a persistent tool the end of the net takes the control back to selection.
+    {"WorldRectPos chooses a tool after a net select", -1, false, Script::Net, "WorldRectPos", ToRectangle, 7, 0},
+    {"WorldRectPos chooses a tool after a net zoom", -3, true, Script::Net, "WorldRectPos", ToRectangle, 7, 1},
+    {"DrawRadius deletes the circle being drawn", 19, false, Script::Draw, "DrawRadius", DeleteDrawn, 7, 19},
+    {"DrawRadius deletes another shape while an ellipse is drawn", 20, false, Script::Draw, "DrawRadius", DeleteA, 7,
+     20},
+    {"DrawRadius clears the drawing", 20, true, Script::Draw, "DrawRadius", ClearAll, 0, kAnyTool},
+    {"DrawRadius deletes the circle being resized", 0, false, Script::ResizeCircle, "DrawRadius", DeleteB, 5, 0},
+    {"DrawRadius deletes another shape during a resize", 0, false, Script::ResizeCircle, "DrawRadius", DeleteA, 6, 0},
+    {"DrawRadius deletes the selection during a resize", 0, false, Script::ResizeCircle, "DrawRadius", DeleteSelection,
+     5, 0},
+};
+
+// A device point on one of the circle's radius handles.
+DevicePoint RadiusHandle(const Host& h, const CObjShape& circle)
+{
+    const DeviceRect r = circle.BoundsAsRect();
+    for (int32_t y = r.top - 3; y <= r.bottom + 3; ++y)
+        for (int32_t x = r.left - 3; x <= r.right + 3; ++x) {
+            const int32_t handle = circle.HitHandle({x, y}, 1, h.control.View());
+            if (handle >= 1 && handle <= 4) return {x, y};
+        }
+    ADD_FAILURE() << "the circle shows no radius handle";
+    return {};
+}
+
+void RunScript(Host& h, const Reentry& c, const Originals& o)
+{
+    switch (c.script) {
+    case Script::Draw:
+        h.Click(h.At(110, 40));
+        h.Send(wm::MouseMove, 0, h.At(150, 80));
+        h.Click(h.At(150, 80));
+        if (c.tool != bvxEllipse) return;
+        h.Send(wm::MouseMove, 0, h.At(170, 60));
+        h.Click(h.At(170, 60));
+        return;
+    case Script::PressShape:
+    case Script::CtrlPressShape: {
+        const uint32_t mods = c.script == Script::CtrlPressShape ? mk::Control : 0;
+        h.Send(wm::LButtonDown, mk::LButton | mods, h.At(40, 20)); // on the rectangle's lower edge
+        h.Send(wm::MouseMove, mk::LButton | mods, h.At(50, 30));
+        h.Send(wm::LButtonUp, mods, h.At(50, 30));
+        return;
+    }
+    case Script::ResizeCircle: {
+        h.control.ShapeSelect(o.b, false);
+        const DevicePoint grip = RadiusHandle(h, *h.control.View().Buf.FindShape(o.b));
+        h.Send(wm::LButtonDown, mk::LButton, grip);
+        h.Send(wm::MouseMove, mk::LButton, {grip.x + 7, grip.y + 9});
+        h.Send(wm::MouseMove, mk::LButton, {grip.x + 12, grip.y + 15});
+        h.Send(wm::LButtonUp, 0, {grip.x + 12, grip.y + 15});
+        return;
+    }
+    case Script::Net:
+        h.Send(wm::LButtonDown, mk::LButton, h.At(10, 10));
+        h.Send(wm::MouseMove, mk::LButton, h.At(70, 70));
+        h.Send(wm::LButtonUp, 0, h.At(70, 70));
+        return;
+    }
+}
+
+TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
+{
+    for (const Reentry& c : kReentries) {
+        SCOPED_TRACE(c.name);
+        Host h;
+        const Originals o{h.control.DrawRectangle(20, 20, 60, 60, 1), h.control.DrawCircle(140, 140, 20, 1),
+                          h.control.DrawLine(20, 150, 80, 190, 1)};
+        h.control.PutViewPersistMouseTool(c.persist);
+        h.control.PutViewMouseTool(c.tool);
+        h.handler = [&](std::string_view event, std::span<const double> args) {
+            if (event == c.event) c.call(h, o, args);
+        };
+        RunScript(h, c, o);
+        if (c.toolAfter != kAnyTool) {
+            EXPECT_EQ(h.control.View().CurrentTool, c.toolAfter);
+        }
+        h.handler = nullptr;
+        // A host that leaves a draw open gets it closed by the user.
+        for (int32_t i = 0; i < 3 && h.control.View().DrawInProgress; ++i) {
+            h.Send(wm::MouseMove, 0, {60 + 9 * i, 120 - 7 * i});
+            h.Click({60 + 9 * i, 120 - 7 * i});
+        }
+
+        const CadView& view = h.control.View();
+        EXPECT_EQ(h.Inconsistency(), "");
+        EXPECT_FALSE(view.DrawInProgress);
+        EXPECT_EQ(view.MouseActive, 0);
+        EXPECT_FALSE(h.window.capture);
+        const int32_t originals[] = {o.a, o.b, o.c};
+        for (unsigned i = 0; i < 3; ++i)
+            EXPECT_EQ(view.Buf.FindShape(originals[i]) && !h.added.count(originals[i]), bool(c.alive & (1u << i)))
+                << "original " << i;
+        for (int32_t n : h.LiveNumbers())
+            EXPECT_TRUE(!h.added.count(n) || h.finished.count(n)) << "half-made shape " << n << " left in a layer";
+
+        // Ordinary input afterwards: one rectangle, finished and selected alone.
+        const size_t before = h.LiveNumbers().size();
+        h.control.PutViewMouseTool(bvxRectangle);
+        h.Click({150, 150});
+        h.Send(wm::MouseMove, 0, {180, 170});
+        h.Click({180, 170});
+        EXPECT_EQ(h.LiveNumbers().size(), before + 1);
+        ASSERT_EQ(view.Buf.Selection.size(), 1u);
+        EXPECT_EQ(view.Buf.Selection.front()->Number, h.lastAdded);
+        EXPECT_TRUE(h.finished.count(h.lastAdded));
+        EXPECT_FALSE(h.window.capture);
+        EXPECT_EQ(h.Inconsistency(), "");
+    }
+}
+
+// ---- random input ----
+
+constexpr int16_t kTools[] = {-3, -2, -1, 0, 1, 2, 3, 4, 16, 19, 20};
+
+class RandomUser;
+// The run under way, told when a crash or a sanitizer's report ends the
+// process before the test can say where it was.
+const RandomUser* gRunning = nullptr;
+
+class RandomUser {
+public:
+    explicit RandomUser(uint32_t seed) : rng_(seed), seed_(seed)
+    {
+        Layers();
+        h_.control.PutViewSnapToShape(0);
+        h_.control.PutViewSnapToGrid(0);
+        for (int i = 0; i < 300; ++i) AddShape();
+        h_.handler = [this](std::string_view event, std::span<const double> args) { Answer(event, args); };
+    }
+
+    // The steps, each followed by the consistency check; false at the first failure.
+    bool Run(int32_t steps, std::string& failure)
+    {
+        gRunning = this;
+        for (step_ = 0; step_ < steps; ++step_) {
+            Step();
+            h_.window.calls.clear();
+            h_.window.invalidated.clear();
+            const std::string why = h_.Inconsistency();
+            if (!why.empty()) {
+                failure = Where() + ": " + why;
+                break;
+            }
+        }
+        gRunning = nullptr;
+        return failure.empty();
+    }
+
+    std::string Where() const
+    {
+        return "seed " + std::to_string(seed_) + ", step " + std::to_string(step_) + " (" + last_ + ")";
+    }
+
+private:
+    // Layer 2 won't let its shapes move, layer 3 won't let them be resized.
+    void Layers()
+    {
+        CadControl& c = h_.control;
+        while (c.GetLayerCount() < 4) c.LayerOpen(u"Layer");
+        c.PutLayerAction(2, LayerActions::Show | LayerActions::Find | LayerActions::Size);
+        c.PutLayerAction(3, LayerActions::Show | LayerActions::Find | LayerActions::Move);
+    }
+
+    uint32_t Below(uint32_t n) { return rng_() % n; }
+    double Coord() { return double(Below(190)) + 5; }
+
+    void AddShape()
+    {
+        CadControl& c = h_.control;
+        const double x = Coord(), y = Coord(), w = 2 + Below(40), v = 2 + Below(30);
+        const int16_t layer = int16_t(1 + Below(3));
+        switch (Below(4)) {
+        case 0: c.DrawRectangle(x, y, x + w, y + v, layer); break;
+        case 1: c.DrawLine(x, y, x + w, y - v, layer); break;
+        case 2: c.DrawCircle(x, y, w / 2, layer); break;
+        default: c.DrawEllipse(x, y, w / 2, v / 2, layer); break;
+        }
+    }
+
+    int32_t AnyShape()
+    {
+        const std::vector<int32_t> live = h_.LiveNumbers();
+        return live.empty() ? 0 : live[Below(uint32_t(live.size()))];
+    }
+
+    // Where the mouse goes: often onto a shape's corner, edge or centre,
+    // sometimes back on the last spot, sometimes anywhere, a little outside too.
+    DevicePoint Target()
+    {
+        const uint32_t r = Below(10);
+        if (r == 0) return lastTarget_;
+        if (r < 7) {
+            if (const CObjShape* s = h_.control.View().Buf.FindShape(AnyShape())) {
+                const DeviceRect b = s->BoundsAsRect();
+                const int32_t xs[] = {b.left, (b.left + b.right) / 2, b.right};
+                const int32_t ys[] = {b.top, (b.top + b.bottom) / 2, b.bottom};
+                const int32_t jitter = int32_t(Below(5)) - 2;
+                lastTarget_ = {std::clamp(xs[Below(3)] + jitter, -10, 210),
+                               std::clamp(ys[Below(3)] - jitter, -10, 210)};
+                return lastTarget_;
+            }
+        }
+        lastTarget_ = {int32_t(Below(221)) - 10, int32_t(Below(221)) - 10};
+        return lastTarget_;
+    }
+
+    uint32_t Mods() { return (Below(4) == 0 ? mk::Shift : 0) | (Below(4) == 0 ? mk::Control : 0); }
+
+    void Send(const char* what, uint32_t msg, uint64_t wParam, DevicePoint p)
+    {
+        last_ = std::string(what) + " " + std::to_string(wParam) + " at " + std::to_string(p.x) + "," +
+                std::to_string(p.y);
+        h_.Send(msg, wParam, p);
+    }
+
+    void Step()
+    {
+        CadControl& c = h_.control;
+        const uint32_t r = Below(100);
+        if (r < 15) return Send("press", wm::LButtonDown, mk::LButton | Mods(), Target());
+        if (r < 45) return Send("move", wm::MouseMove, (Below(2) ? mk::LButton : 0) | Mods(), Target());
+        if (r < 60) return Send("release", wm::LButtonUp, Mods(), Target());
+        if (r < 63) return Send("double click", wm::LButtonDblClk, mk::LButton | Mods(), Target());
+        if (r < 68) {
+            const int16_t snaps = int16_t(Below(3));
+            c.PutViewSnapToShape(snaps == 1);
+            c.PutViewSnapToGrid(snaps == 2);
+            h_.window.menuChoice = Below(2) ? std::optional<int32_t>(kTools[Below(std::size(kTools))]) : std::nullopt;
+            Send("right press", wm::RButtonDown, mk::RButton | Mods(), Target());
+            return Send("right release", wm::RButtonUp, Mods(), Target());
+        }
+        if (r < 70) return Send("Delete key", wm::KeyDown, vk::Delete, {});
+        if (r < 74) {
+            const bool down = Below(2);
+            return Send(down ? "Ctrl down" : "Ctrl up", down ? wm::KeyDown : wm::KeyUp, vk::Control, {});
+        }
+        if (r < 82) {
+            const int16_t tool = kTools[Below(std::size(kTools))];
+            last_ = "tool " + std::to_string(tool);
+            return c.PutViewMouseTool(tool);
+        }
+        if (r < 84) {
+            const bool on = Below(2);
+            last_ = std::string("persistent tool ") + (on ? "on" : "off");
+            return c.PutViewPersistMouseTool(on);
+        }
+        if (r < 87) {
+            const int16_t mode = int16_t(Below(2));
+            last_ = "snap mode " + std::to_string(mode);
+            return c.PutViewSnapMode(mode);
+        }
+        if (r < 89) {
+            last_ = "current layer";
+            return c.PutLayerNumber(int16_t(1 + Below(3)));
+        }
+        if (r < 94) {
+            last_ = "add shapes";
+            // A cleared drawing has lost its extra layers.
+            if (c.GetLayerCount() < 4) Layers();
+            const size_t live = h_.LiveNumbers().size();
+            for (size_t i = 0; live + i < 400 && (i < 4 || live + i < 100); ++i) AddShape();
+            return;
+        }
+        if (r < 98) {
+            last_ = "paint";
+            return h_.Paint();
+        }
+        // Net zooms and pans wander off; the user comes back to the drawing.
+        last_ = "world reset";
+        c.WorldSet(0, 200, 200, 0);
+    }
+
+    // The host's handler: now and then it answers an event by calling back.
+    void Answer(std::string_view event, std::span<const double> args)
+    {
+        if (Below(12) != 0) return;
+        CadControl& c = h_.control;
+        const bool namesShape = event == "ShapeNumberAdded" || event == "ShapeNumberSelected";
+        switch (Below(12)) {
+        case 0: c.ShapeDelete(namesShape ? int32_t(args[1]) : AnyShape()); break;
+        case 1: c.ShapeDelete(AnyShape()); break;
+        case 2: c.PutViewMouseTool(kTools[Below(std::size(kTools))]); break;
+        // Not a cancel: the tool falls back to selection in the middle of a draw.
+        case 3: c.PutViewPersistMouseTool(Below(2)); break;
+        case 4:
+        case 5: c.ShapeSelect(AnyShape(), Below(2)); break;
+        case 6: AddShape(); break;
+        case 7: c.ShapeToLayer(AnyShape(), int16_t(1 + Below(3)), Below(2)); break;
+        case 8: c.PutLayerNumber(int16_t(1 + Below(3))); break;
+        case 9:
+            if (Below(4) == 0) c.ShapeSelectDelete();
+            break;
+        case 10:
+            if (Below(10) == 0) c.CadClearShapes(int16_t(1 + Below(3)));
+            break;
+        default:
+            if (Below(40) == 0) c.CadClearAll();
+            break;
+        }
+    }
+
+    std::mt19937 rng_;
+    uint32_t seed_;
+    int32_t step_ = 0;
+    Host h_;
+    DevicePoint lastTarget_{100, 100};
+    std::string last_;
+};
+
+void TellWhere()
+{
+    if (gRunning) fprintf(stderr, "random input stopped at %s\n", gRunning->Where().c_str());
+}
+
+TEST(MouseInputRandom, RandomInputWithACallingHostKeepsTheDrawingConsistent)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    __sanitizer_set_death_callback(TellWhere);
+#else
+    std::signal(SIGSEGV, [](int signal) {
+        TellWhere();
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    });
+#endif
+    for (uint32_t seed : {1u, 2u, 3u, 4u}) {
+        RandomUser user(seed);
+        std::string failure;
+        EXPECT_TRUE(user.Run(5000, failure)) << failure;
+    }
+}
+
+} // namespace
+} // namespace bvx
