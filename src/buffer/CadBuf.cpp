@@ -123,19 +123,18 @@ bool CadBuf::CopyLayer(int32_t source, int32_t dest, bool createIfMissing, Shape
     } else {
         ClearLayer(dest);
     }
-    CadLayer& from = *Layers[size_t(source)];
     CadLayer& to = *Layers[size_t(dest)];
+    const CadLayer& from = *Layers[size_t(source)];
     to.Attr = std::make_unique<ShapeAttr>(from.Attr ? *from.Attr : ShapeAttr::Default());
     to.Name = from.Name;
     for (size_t type = 0; type < from.SearchMethods.size(); ++type)
         if (type != 14 && type != 15 && type != 19) to.SearchMethods[type] = from.SearchMethods[type];
     to.LineType = from.LineType;
     to.IsGroupList = from.IsGroupList;
-    // The source may grow if a host adds shapes from an event: read the size each time.
-    for (size_t i = 0; i < from.Shapes.size(); ++i) {
-        CObjShape* clone = AddShape(from.Shapes[i]->Clone(1), view, dest);
-        if (clone && clone->GroupList()) NumberGroupMembers(clone);
-    }
+    // A host may add, delete or close layers from the events: the source is
+    // found afresh for each shape.
+    for (size_t i = 0; IsLayer(source) && IsLayer(dest) && i < Layers[size_t(source)]->Shapes.size(); ++i)
+        EnterShape(Layers[size_t(source)]->Shapes[i]->Clone(1), view, dest);
     return true;
 }
 
@@ -172,6 +171,16 @@ CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, ShapeContext& view
     ShapeMap.Insert(number, added);
     if (fireEvent) view.ShapeAdded(added->GetShapeType(), number);
     return added;
+}
+
+int32_t CadBuf::EnterShape(std::unique_ptr<CObjShape> shape, ShapeContext& view, int32_t layer)
+{
+    CObjShape* added = AddShape(std::move(shape), view, layer, -1, false);
+    if (!added) return -1;
+    if (added->GroupList()) NumberGroupMembers(added);
+    const int32_t number = added->Number;
+    view.ShapeAdded(added->GetShapeType(), number);
+    return number;
 }
 
 CObjShape* CadBuf::FindShape(int32_t number) const { return ShapeMap.Find(number); }
@@ -352,10 +361,8 @@ void CadBuf::DuplicateSelection(ShapeContext& view)
     while (!Selection.empty()) {
         CObjShape* source = Selection.back();
         Deselect(source);
-        CObjShape* clone = AddShape(source->Clone(CopyMode), view);
-        if (!clone) continue;
-        if (clone->GroupList()) NumberGroupMembers(clone);
-        clones.push_back(clone->Number);
+        const int32_t clone = EnterShape(source->Clone(CopyMode), view);
+        if (clone != -1) clones.push_back(clone);
     }
     // By number: a host may have deleted a clone from an event.
     for (int32_t number : clones) {

@@ -68,6 +68,10 @@ public:
     // number -1 hands out the next number.
     CObjShape* AddShape(std::unique_ptr<CObjShape> shape, ShapeContext& view, int32_t layer = -1, int32_t number = -1,
                         bool fireEvent = true);
+    // Enters a shape (a group's members numbered too) and announces it; its
+    // number, or -1 without the layer. A number, not the shape: the host may
+    // delete it from the event.
+    int32_t EnterShape(std::unique_ptr<CObjShape> shape, ShapeContext& view, int32_t layer = -1);
     CObjShape* FindShape(int32_t number) const;
     CObjShape* FindShapeDeep(int32_t number, int32_t& index) const;
     CObjShape* FindShapeByName(const std::u16string& text) const;

@@ -133,16 +133,6 @@ CObjShape* CDrawTool::DrawnShape(CadView& view) const
     return Box.DrawnNumber == -1 ? nullptr : view.Buf.FindShape(Box.DrawnNumber);
 }
 
-int32_t CDrawTool::EnterShape(CadView& view, std::unique_ptr<CObjShape> shape, int32_t layerNumber)
-{
-    const int16_t type = shape->GetShapeType();
-    CObjShape* added = view.Buf.AddShape(std::move(shape), view, layerNumber, -1, false);
-    if (!added) return -1;
-    const int32_t number = added->Number;
-    view.ShapeAdded(type, number);
-    return number;
-}
-
 int16_t CDrawTool::ToolSearch(const CadView& view, int16_t type, int32_t layerNumber)
 {
     const CadLayer* layer = layerNumber == -1 ? view.Buf.CurrentLayer : view.Buf.Layer(layerNumber);

@@ -60,9 +60,6 @@ protected:
     bool TakeBackOnSameSpot(CadView& view, const WorldPoint& point);
     // The shape this tool is drawing, if it is still there.
     CObjShape* DrawnShape(CadView& view) const;
-    // Enters a shape in a layer and announces it; its number, or -1 for a
-    // layer that isn't there.
-    static int32_t EnterShape(CadView& view, std::unique_ptr<CObjShape> shape, int32_t layerNumber);
     // The search method a layer gives a type; the current layer's for -1.
     static int16_t ToolSearch(const CadView& view, int16_t type, int32_t layerNumber = -1);
 

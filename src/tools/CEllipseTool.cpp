@@ -38,7 +38,7 @@ int32_t CEllipseTool::CreateShape(CadView& view, int16_t type, int32_t layerNumb
 {
     auto shape = std::make_unique<CEllipseShape>();
     shape->SetShapeType(uint8_t(type), ToolSearch(view, type, layerNumber));
-    return EnterShape(view, std::move(shape), layerNumber);
+    return view.Buf.EnterShape(std::move(shape), view, layerNumber);
 }
 
 } // namespace bvx

@@ -39,7 +39,7 @@ int32_t CRectTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
     auto shape = std::make_unique<CRectShape>();
     if (type >= bvxRectangle && type <= bvx2PointEllipse)
         PrepareShape(*shape, type, ToolSearch(view, type, layerNumber), view.World);
-    return EnterShape(view, std::move(shape), layerNumber);
+    return view.Buf.EnterShape(std::move(shape), view, layerNumber);
 }
 
 } // namespace bvx
