@@ -1,6 +1,5 @@
 // The window procedure as a host drives it: what it answers, what it hands
-// back to the system, the tool menu, the capture over a drawing, and two
-// controls in one process.
+// back to the system, the tool menu, and two controls in one process.
 #include "HostDoubles.h"
 #include "control/CadControl.h"
 #include "platform/WindowMessages.h"
@@ -124,27 +123,6 @@ TEST(WindowProc, ToolMenuOffersTheToolsInOrderAndTellsNothingFromSelect)
     EXPECT_EQ(host.control.GetViewMouseTool().value, bvxNetZoom);
     host.control.WindowProc(wm::Command, 0xFFFE, 0);
     EXPECT_EQ(host.control.GetViewMouseTool().value, bvxPan);
-}
-
-TEST(WindowProc, ADrawingHoldsTheCaptureBetweenItsPressesOnly)
-{
-    Host host;
-    host.control.PutViewMouseTool(bvxRectangle);
-    host.window.calls.clear();
-    host.Click(20, 20);
-    EXPECT_TRUE(host.window.capture); // kept while the button is up, until the shape is done
-    EXPECT_EQ(host.control.View().DrawInProgress, true);
-    host.Mouse(wm::MouseMove, 60, 50);
-    host.Click(60, 50);
-    EXPECT_FALSE(host.window.capture);
-    EXPECT_FALSE(host.control.View().DrawInProgress);
-    EXPECT_EQ(host.control.View().MouseActive, 0);
-    std::vector<std::string> captures;
-    for (const std::string& call : host.window.calls)
-        if (call.find("Capture") != std::string::npos) captures.push_back(call);
-    EXPECT_EQ(captures, (std::vector<std::string>{"SetCapture", "ReleaseCapture"}));
-    EXPECT_EQ(host.control.GetShapeType(1), bvxRectangle);
-    EXPECT_EQ(host.control.ShapePointGetX(1, 1), host.control.GetAbsToWorldX(60));
 }
 
 TEST(WindowProc, TwoControlsDrawAtOnceWithoutDisturbingEachOther)
