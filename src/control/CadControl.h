@@ -154,6 +154,10 @@ public:
     int32_t DrawLine(double x1, double y1, double x2, double y2, int16_t layer);
     int32_t DrawRectangle(double x1, double y1, double x2, double y2, int16_t layer);
     int32_t DrawEllipse(double cx, double cy, double rx, double ry, int16_t layer);
+    // Angles in the unit AngleMode gives.
+    int32_t DrawArc(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
+    int32_t DrawPieSlice(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
+    int32_t DrawChord(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
     int32_t DrawCircle(double cx, double cy, double r, int16_t layer);
     int32_t ShapeAdd(int32_t type, int16_t layer);
 
@@ -297,8 +301,8 @@ private:
 
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
     void PutWorldEdge(double& edge, double value, int32_t mode);
-    // Makes a shape of a type on a layer and sets its first two points.
-    int32_t DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer);
+    // Makes a shape of a type on a layer and sets its points in order.
+    int32_t DrawShape(int16_t type, std::initializer_list<WorldPoint> points, int16_t layer);
     // The record a write changes: the shape's own, made from the one in force.
     ShapeAttr& OwnAttr(CObjShape& shape);
     int64_t ReadShapeAttr(int32_t number, AttrField field);

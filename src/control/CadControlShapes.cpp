@@ -9,34 +9,47 @@ namespace bvx {
 
 // ---- creating and deleting ----
 
-int32_t CadControl::DrawShape(int16_t type, WorldPoint first, WorldPoint second, int16_t layer)
+int32_t CadControl::DrawShape(int16_t type, std::initializer_list<WorldPoint> points, int16_t layer)
 {
     if (!view_.Buf.IsLayer(layer)) return kNoShape;
     const int32_t number = view_.CreateShape(type, layer);
     // The host may have deleted the shape from the event that announced it.
     CObjShape* shape = Shape(number);
     if (!shape) return number;
-    shape->SetPoint(0, first.x, first.y, &view_);
-    shape->SetPoint(1, second.x, second.y, &view_);
+    int16_t index = 0;
+    for (const WorldPoint& p : points) shape->SetPoint(index++, p.x, p.y, &view_);
     view_.InvalidateShape(shape, true);
     return number;
 }
 
 int32_t CadControl::DrawLine(double x1, double y1, double x2, double y2, int16_t layer)
 {
-    return DrawShape(bvxLine, {x1, y1}, {x2, y2}, layer);
+    return DrawShape(bvxLine, {{x1, y1}, {x2, y2}}, layer);
 }
 int32_t CadControl::DrawRectangle(double x1, double y1, double x2, double y2, int16_t layer)
 {
-    return DrawShape(bvxRectangle, {x1, y1}, {x2, y2}, layer);
+    return DrawShape(bvxRectangle, {{x1, y1}, {x2, y2}}, layer);
 }
 int32_t CadControl::DrawEllipse(double cx, double cy, double rx, double ry, int16_t layer)
 {
-    return DrawShape(bvxEllipse, {cx, cy}, {rx, ry}, layer);
+    return DrawShape(bvxEllipse, {{cx, cy}, {rx, ry}}, layer);
 }
 int32_t CadControl::DrawCircle(double cx, double cy, double r, int16_t layer)
 {
-    return DrawShape(bvxCircle, {cx, cy}, {r, r}, layer);
+    return DrawShape(bvxCircle, {{cx, cy}, {r, r}}, layer);
+}
+
+int32_t CadControl::DrawArc(double cx, double cy, double rx, double ry, double start, double end, int16_t layer)
+{
+    return DrawShape(bvxArc, {{cx, cy}, {rx, ry}, {start, end}}, layer);
+}
+int32_t CadControl::DrawPieSlice(double cx, double cy, double rx, double ry, double start, double end, int16_t layer)
+{
+    return DrawShape(bvxPieSlice, {{cx, cy}, {rx, ry}, {start, end}}, layer);
+}
+int32_t CadControl::DrawChord(double cx, double cy, double rx, double ry, double start, double end, int16_t layer)
+{
+    return DrawShape(bvxChord, {{cx, cy}, {rx, ry}, {start, end}}, layer);
 }
 
 int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)

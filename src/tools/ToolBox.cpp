@@ -2,7 +2,7 @@
 
 namespace bvx {
 
-ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this) {}
+ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this) {}
 
 CDrawTool* ToolBox::ToolFor(int16_t value)
 {
@@ -17,6 +17,9 @@ CDrawTool* ToolBox::ToolFor(int16_t value)
     case bvx2PointEllipse: return &Rect;
     case bvxCircle:
     case bvxEllipse: return &Ellipse;
+    case bvxArc:
+    case bvxPieSlice:
+    case bvxChord: return &Arc;
     default: return nullptr; // the other shapes' tools come with their shapes
     }
 }

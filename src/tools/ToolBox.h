@@ -2,6 +2,7 @@
 // own box, so that two controls in one process never disturb each other.
 #pragma once
 
+#include "CArcTool.h"
 #include "CEllipseTool.h"
 #include "CPanTool.h"
 #include "CRectTool.h"
@@ -32,6 +33,7 @@ public:
     CPanTool Pan;
     CRectTool Rect;
     CEllipseTool Ellipse;
+    CArcTool Arc;
 };
 
 } // namespace bvx
