@@ -220,6 +220,9 @@ public:
     void PutShapeZOrder(int32_t number, int32_t position);
 
     int32_t ShapeToLayer(int32_t number, int16_t layer, bool copy);
+    // Mode 1 takes a count of steps, 2 an angle step (in AngleMode's unit),
+    // 3 opens a polygon at a point.
+    bool ShapeConvert(int32_t number, int16_t type, int16_t mode, double value);
     int32_t ShapeHitTest(double x, double y, int16_t searchMethod);
 
     void ShapeTransform(int32_t number, int16_t mode, double pivotX, double pivotY, double angle, double scaleX,

@@ -2,6 +2,7 @@
 #include "CadControl.h"
 
 #include "CadControlSupport.h"
+#include "shapes/ShapeFactory.h"
 #include "world/Rounding.h"
 #include "shapes/CRectShape.h"
 
@@ -50,6 +51,37 @@ int32_t CadControl::DrawPieSlice(double cx, double cy, double rx, double ry, dou
 int32_t CadControl::DrawChord(double cx, double cy, double rx, double ry, double start, double end, int16_t layer)
 {
     return DrawShape(bvxChord, {{cx, cy}, {rx, ry}, {start, end}}, layer);
+}
+
+bool CadControl::ShapeConvert(int32_t number, int16_t type, int16_t mode, double value)
+{
+    if (mode < 0 || mode > 3) return false;
+    CObjShape* source = Shape(number);
+    std::unique_ptr<CObjShape> target = NewShapeOfClass(type);
+    if (!source || !target) return false;
+    source->CopyBaseTo(*target);
+    // The new shape keeps the look the old one had, inherited or not.
+    target->SetAttr(std::make_unique<ShapeAttr>(view_.EffectiveAttr(*source)));
+    target->SetShapeType(uint8_t(type), 0);
+    if (mode == 2 && view_.World.AngleMode == 1) value *= kDegreesToRadians;
+    if (!source->ConvertTo(type, target.get(), mode, value, &view_)) return false;
+    target->SetSearchMethod(source->GetSearchMethod());
+
+    CadBuf& buf = view_.Buf;
+    const bool wasSelected = source->Selected;
+    const bool wasFocus = buf.FocusShape == source;
+    CObjShape* otherFocus = wasFocus ? nullptr : buf.FocusShape;
+    const int16_t layer = source->Layer;
+    // Gone and back under the same number, and the host hears of neither.
+    if (!view_.DeleteShape(source, false)) return false;
+    CObjShape* converted = buf.AddShape(std::move(target), view_, layer, number, false);
+    if (!converted) return false;
+    if (wasSelected) buf.Select(converted);
+    buf.FocusShape = wasFocus ? converted : otherFocus;
+    if (!buf.FocusShape) buf.FocusPoint = -1;
+    converted->UpdateBounds(view_);
+    view_.InvalidateShape(converted, true);
+    return true;
 }
 
 int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)

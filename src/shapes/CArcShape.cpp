@@ -2,6 +2,7 @@
 
 #include "ArcGeometry.h"
 #include "CEllipseShape.h"
+#include "CPolyShape.h"
 #include "ShapeContext.h"
 #include "platform/DeviceContext.h"
 #include "world/CadWorld.h"
@@ -286,6 +287,54 @@ int16_t CArcShape::NearestPoint(DevicePoint point, ShapeContext& view) const
     const WorldPoint q = view.World.DeviceToWorld(point);
     const double toCentre = Distance(Centre, q);
     return Distance(PointAt(StartAngle), q) < toCentre || Distance(PointAt(EndAngle), q) < toCentre ? 2 : 0;
+}
+
+double CArcShape::EccentricAngle(double angle, int16_t signX, int16_t signY) const
+{
+    const WorldPoint p = PointAt(angle);
+    const double e = std::acos(std::fabs(p.x - Centre.x) / std::fabs(Radius.x));
+    switch (QuadrantDirected(p, Centre, signX, signY)) {
+    case 1: return e;
+    case 2: return (kPi / 2 - e) + kPi / 2;
+    case 3: return e + kPi;
+    default: return (kPi / 2 - e) + 4.71238898038469;
+    }
+}
+
+bool CArcShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const
+{
+    const int16_t source = GetShapeType();
+    const bool offered = type == bvxPolygon || (type == bvxPolyline && source == bvxArc);
+    // A flat ellipse has no eccentric angles; a step that isn't positive would never end.
+    if (!target || !offered || (mode != 1 && mode != 2) || Radius.x == 0 || !(value > 0) || !std::isfinite(value))
+        return false;
+    const int16_t signX = view ? view->World.SignX : 1;
+    const int16_t signY = view ? view->World.SignY : -1;
+    const double s = EccentricAngle(StartAngle, signX, signY);
+    double t = EccentricAngle(EndAngle, signX, signY);
+    if (EndAngle < StartAngle) t += kTwoPi;
+    if (!std::isfinite(s) || !std::isfinite(t)) return false;
+    const bool reversed = !((signX == 1 && signY == -1) || (signX == -1 && signY == 1));
+    double first = s, last = t, step = value;
+    if (mode == 1) {
+        if (reversed) std::swap(first, last);
+        step = reversed ? (kTwoPi - std::fabs(s - t)) / value : std::fabs(t - s) / value;
+    }
+    if (!(step > 0)) return false;
+    // The points would not fit a shape: refused before any is made.
+    if (last > first && (last - first) / step + 2 > double(CPolyShape::kMaxPoints)) return false;
+    target->SetShapeType(uint8_t(type), 0);
+    if (source == bvxPieSlice) target->SetPoint(-1, Centre.x, Centre.y, nullptr);
+    for (double a = first, made = 1;; ++made) {
+        const WorldPoint p = EllipsePoint(Centre, Radius.x, Radius.y, a);
+        target->SetPoint(-1, p.x, p.y, nullptr);
+        // A step lost in rounding would never arrive: the count ends it too.
+        if (a == last || made >= double(CPolyShape::kMaxPoints)) break;
+        a += step;
+        // The last point lies exactly on the end.
+        if (a >= last) a = last;
+    }
+    return true;
 }
 
 } // namespace bvx

@@ -47,8 +47,14 @@ public:
     int16_t NearestPoint(DevicePoint point, ShapeContext& view) const override;
     void UpdateBounds(const ShapeContext& view) override;
     WorldRect GetWorldBounds(const ShapeContext& view) const override;
+    // To a polyline (an arc) or a polygon (any of the three), by a count of
+    // steps (mode 1) or an angle step (mode 2).
+    bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const override;
 
 private:
+    // The angle of the circle's point that the point of the ellipse at
+    // `angle` stands over: the parameter EllipsePoint takes.
+    double EccentricAngle(double angle, int16_t signX, int16_t signY) const;
     // The device box of the drawn part; `closed` also takes in the centre.
     DeviceRect DrawnBounds(const CadWorld& world, bool closed, DeviceRect* ellipse = nullptr) const;
 };

@@ -1,0 +1,19 @@
+#include "ShapeFactory.h"
+
+#include "CArcShape.h"
+#include "CEllipseShape.h"
+#include "CPolyShape.h"
+#include "CRectShape.h"
+
+namespace bvx {
+
+std::unique_ptr<CObjShape> NewShapeOfClass(int32_t type)
+{
+    if (type >= bvxRectangle && type <= bvx2PointEllipse) return std::make_unique<CRectShape>();
+    if (type >= bvxPolyline && type <= bvx3PointArc) return std::make_unique<CPolyShape>();
+    if (type >= bvxArc && type <= bvxChord) return std::make_unique<CArcShape>();
+    if (type == bvxCircle || type == bvxEllipse) return std::make_unique<CEllipseShape>();
+    return nullptr;
+}
+
+} // namespace bvx
