@@ -22,6 +22,16 @@ constexpr int32_t kBorderTolerance = 3;
 constexpr int32_t kLikeHandles = 55;
 constexpr int32_t kNoHandlePointer = 99;
 
+// The figure's box beyond what 16-bit device coordinates hold.
+constexpr double kDeviceLimit = 32768 - (32768 + 1) * 1e-7;
+constexpr double kLimitSteps = 20.0;
+
+bool BeyondDeviceLimit(const DeviceRect& r)
+{
+    return std::fabs(double(r.right)) + std::fabs(double(r.left)) >= kDeviceLimit ||
+           std::fabs(double(r.bottom)) + std::fabs(double(r.top)) >= kDeviceLimit;
+}
+
 int64_t SquaredDistance(DevicePoint a, DevicePoint b)
 {
     const int64_t dx = int64_t(a.x) - b.x, dy = int64_t(a.y) - b.y;
@@ -187,6 +197,14 @@ void CArcShape::Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& vi
     const DeviceRect drawn = DrawnBounds(view.World, mode != 0, &ellipse);
     StoreBounds(drawn);
     if (drawn.Intersected(clip).IsEmpty()) return;
+    if (BeyondDeviceLimit(ellipse)) {
+        // Past 16 bits the platform can't draw an arc: every device draws
+        // the same stand-in, the figure as twenty straight steps.
+        CPolyShape outline;
+        if (ConvertTo(GetShapeType() == bvxArc ? bvxPolyline : bvxPolygon, &outline, 1, kLimitSteps, &view))
+            outline.Draw(dc, clip, view, mode);
+        return;
+    }
     const DevicePoint s = view.World.WorldToDevice(PointAt(StartAngle));
     const DevicePoint e = view.World.WorldToDevice(PointAt(EndAngle));
     switch (GetShapeType()) {
