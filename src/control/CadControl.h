@@ -158,6 +158,7 @@ public:
     int32_t DrawArc(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
     int32_t DrawPieSlice(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
     int32_t DrawChord(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
+    int32_t DrawThreePointArc(double x1, double y1, double x2, double y2, double x3, double y3, int16_t layer);
     int32_t DrawCircle(double cx, double cy, double r, int16_t layer);
     int32_t ShapeAdd(int32_t type, int16_t layer);
 
@@ -212,6 +213,8 @@ public:
     void ShapePointSet(int32_t number, int16_t point, double x, double y);
     int16_t ShapePointGetNearest(int32_t number, double x, double y);
     void ShapePointSnapToGrid(int32_t number, int16_t point);
+    bool ShapePointInsert(int32_t number, int16_t point, double x, double y);
+    bool ShapePointDelete(int32_t number, int16_t point);
 
     void ShapeToFront(int32_t number);
     void ShapeToBack(int32_t number);
@@ -223,6 +226,8 @@ public:
     // Mode 1 takes a count of steps, 2 an angle step (in AngleMode's unit),
     // 3 opens a polygon at a point.
     bool ShapeConvert(int32_t number, int16_t type, int16_t mode, double value);
+    // N rows of (other shape's number, X, Y); 0 rows when nothing meets.
+    Variant ShapeIntersectPoints(int32_t number, int16_t layer);
     int32_t ShapeHitTest(double x, double y, int16_t searchMethod);
 
     void ShapeTransform(int32_t number, int16_t mode, double pivotX, double pivotY, double angle, double scaleX,

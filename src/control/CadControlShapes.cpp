@@ -2,6 +2,8 @@
 #include "CadControl.h"
 
 #include "CadControlSupport.h"
+#include "shapes/CPolyShape.h"
+#include "shapes/Intersections.h"
 #include "shapes/ShapeFactory.h"
 #include "world/Rounding.h"
 #include "shapes/CRectShape.h"
@@ -82,6 +84,12 @@ bool CadControl::ShapeConvert(int32_t number, int16_t type, int16_t mode, double
     converted->UpdateBounds(view_);
     view_.InvalidateShape(converted, true);
     return true;
+}
+
+int32_t CadControl::DrawThreePointArc(double x1, double y1, double x2, double y2, double x3, double y3,
+                                      int16_t layer)
+{
+    return DrawShape(bvx3PointArc, {{x1, y1}, {x2, y2}, {x3, y3}}, layer);
 }
 
 int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)
@@ -253,6 +261,62 @@ void CadControl::ShapePointSnapToGrid(int32_t number, int16_t point)
     WorldPoint p = s->GetPoint(point, view_);
     if (!view_.World.SnapToGrid(p)) return;
     ChangeShape(*s, [&] { s->SetPoint(point, p.x, p.y, &view_); });
+}
+
+// Only the lists of free points take or give up points; a three-point arc
+// has exactly its three.
+bool CadControl::ShapePointInsert(int32_t number, int16_t point, double x, double y)
+{
+    auto* poly = dynamic_cast<CPolyShape*>(Shape(number));
+    if (!poly || poly->GetShapeType() > bvxClosedSpline) return false;
+    bool done = false;
+    ChangeShape(*poly, [&] { done = poly->InsertPoint(point, x, y, view_); });
+    return done;
+}
+
+bool CadControl::ShapePointDelete(int32_t number, int16_t point)
+{
+    auto* poly = dynamic_cast<CPolyShape*>(Shape(number));
+    if (!poly || poly->GetShapeType() > bvxClosedSpline) return false;
+    bool done = false;
+    ChangeShape(*poly, [&] { done = poly->DeletePoint(point, view_); });
+    return done;
+}
+
+Variant CadControl::ShapeIntersectPoints(int32_t number, int16_t layer)
+{
+    constexpr int32_t kColumns = 3;
+    std::vector<Variant> cells;
+    const CObjShape* source = Shape(number);
+    if (source && CanIntersect(*source)) {
+        auto ordered = [](WorldRect r) {
+            return WorldRect{std::min(r.left, r.right), std::min(r.top, r.bottom), std::max(r.left, r.right),
+                             std::max(r.top, r.bottom)};
+        };
+        const WorldRect reach = ordered(source->GetWorldBounds(view_));
+        std::vector<WorldPoint> found;
+        const CadBuf& buf = view_.Buf;
+        for (size_t l = buf.Layers.size(); l-- > 1;) {
+            const CadLayer& each = *buf.Layers[l];
+            if (!(each.Action & LayerActions::Show) || (layer != kAllLayers && layer != int16_t(l))) continue;
+            for (size_t i = each.Shapes.size(); i-- > 0;) {
+                const CObjShape& other = *each.Shapes[i];
+                if (&other == source || !CanIntersect(other)) continue;
+                const WorldRect b = ordered(other.GetWorldBounds(view_));
+                if (b.right < reach.left || b.left > reach.right || b.bottom < reach.top || b.top > reach.bottom)
+                    continue;
+                found.clear();
+                IntersectPoints(*source, other, found);
+                for (const WorldPoint& p : found) {
+                    cells.push_back(Variant::I4(other.Number));
+                    cells.push_back(Variant::R8(p.x));
+                    cells.push_back(Variant::R8(p.y));
+                }
+            }
+        }
+    }
+    const int32_t rows = int32_t(cells.size() / kColumns);
+    return Variant::Array2D(VarType::Variant, rows, kColumns, std::move(cells));
 }
 
 } // namespace bvx

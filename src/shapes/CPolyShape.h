@@ -3,6 +3,7 @@
 // 8 to 10) read it as control points.
 #pragma once
 
+#include "ArcGeometry.h"
 #include "CObjShape.h"
 
 #include <vector>
@@ -20,6 +21,9 @@ public:
 
     // Appends; false once the list is full.
     bool AddPoint(const WorldPoint& point);
+    // Before a point of the list, or out of it; false for an index outside it.
+    bool InsertPoint(int16_t index, double x, double y, const ShapeContext& view);
+    bool DeletePoint(int16_t index, const ShapeContext& view);
 
     int32_t GetHandleCount() const override;
     WorldPoint GetHandlePoint(int32_t handle, const ShapeContext& view) const override;
@@ -42,8 +46,25 @@ public:
     WorldRect GetWorldBounds(const ShapeContext& view) const override;
     bool ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const override;
 
+    // A spline's points in world units, `segments` per span, into `target`
+    // when there is one, and their box; the number of points.
+    size_t SplineToWorld(int32_t segments, WorldRect& rect, CObjShape* target) const;
+
 private:
     bool IsFreehand() const { return GetShapeType() == bvxFreehand; }
+    bool IsSpline() const { return GetShapeType() == bvxSpline || GetShapeType() == bvxClosedSpline; }
+    // A spline as device points for painting, `step` apart in t on each span.
+    std::span<const DevicePoint> SplineToDevice(const CadWorld& world, double step) const;
+    bool HitSpline(const CadWorld& world, DevicePoint point, int16_t method, double step) const;
+    // The circle of a three-point arc, and its ends in the order the
+    // platform's Arc runs.
+    struct ArcThrough {
+        ThreePointCircle circle;
+        WorldPoint start, end;
+    };
+    ArcThrough ThreePointArc(const CadWorld& world) const;
+    bool ConvertArc(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const;
+    bool ConvertSpline(int16_t type, CObjShape* target, double value) const;
     // The device box of the points, from the first point's pixel on.
     DeviceRect PointsDeviceBox(const CadWorld& world) const;
 };

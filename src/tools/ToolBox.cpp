@@ -2,7 +2,7 @@
 
 namespace bvx {
 
-ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this) {}
+ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this) {}
 
 CDrawTool* ToolBox::ToolFor(int16_t value)
 {
@@ -17,6 +17,12 @@ CDrawTool* ToolBox::ToolFor(int16_t value)
     case bvx2PointEllipse: return &Rect;
     case bvxCircle:
     case bvxEllipse: return &Ellipse;
+    case bvxPolyline:
+    case bvxPolygon:
+    case bvxFreehand:
+    case bvxSpline:
+    case bvxClosedSpline:
+    case bvx3PointArc: return &Poly;
     case bvxArc:
     case bvxPieSlice:
     case bvxChord: return &Arc;

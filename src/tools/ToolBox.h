@@ -5,6 +5,7 @@
 #include "CArcTool.h"
 #include "CEllipseTool.h"
 #include "CPanTool.h"
+#include "CPolyTool.h"
 #include "CRectTool.h"
 #include "CSelectTool.h"
 #include "platform/Geometry.h"
@@ -34,6 +35,7 @@ public:
     CRectTool Rect;
     CEllipseTool Ellipse;
     CArcTool Arc;
+    CPolyTool Poly;
 };
 
 } // namespace bvx
