@@ -1,5 +1,6 @@
 #include "CEllipseShape.h"
 
+#include "CPolyShape.h"
 #include "CRectShape.h"
 #include "world/CadWorld.h"
 #include "world/Rounding.h"
@@ -178,10 +179,22 @@ WorldRect CEllipseShape::Extent() const
     return {Centre.x - RadiusX, Centre.y - RadiusY, Centre.x + RadiusX, Centre.y + RadiusY};
 }
 
-bool CEllipseShape::ConvertTo(int16_t type, CObjShape* target, int16_t, double, ShapeContext*) const
+bool CEllipseShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext*) const
 {
     if (!target) return false;
     target->SetShapeType(uint8_t(type), 0);
+    if (type == bvxPolygon) {
+        constexpr double kTurn = 6.283185307179586;
+        const double step = mode == 2 ? value : mode == 1 ? kTurn / value : 0;
+        // A step that isn't positive would never end, and a shape holds only so many points.
+        if (!(step > 0) || !std::isfinite(step) || kTurn / step > double(CPolyShape::kMaxPoints)) return false;
+        // The last point isn't repeated: the polygon closes by its type.
+        for (double angle = 0; angle < kTurn; angle += step) {
+            const WorldPoint p = EllipsePoint(Centre, RadiusX, RadiusY, angle);
+            target->SetPoint(-1, p.x, p.y, nullptr);
+        }
+        return true;
+    }
     if (type == bvx2PointEllipse) {
         auto* rect = dynamic_cast<CRectShape*>(target);
         if (!rect) return false;

@@ -348,16 +348,17 @@ void CRectShape::UpdateBounds(const ShapeContext& view)
 
 WorldRect CRectShape::GetWorldBounds(const ShapeContext&) const { return {P1.x, P1.y, P2.x, P2.y}; }
 
-bool CRectShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext* view) const
+bool CRectShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double value, ShapeContext*) const
 {
-    (void)mode;
-    (void)value;
-    (void)view;
     if (!target) return false;
     target->SetShapeType(uint8_t(type), 0);
-    if (GetShapeType() != bvx2PointEllipse || type != bvxEllipse) return false;
-    auto* ellipse = dynamic_cast<CEllipseShape*>(target);
-    if (!ellipse) return false;
+    const int16_t source = GetShapeType();
+    if (source == bvxRectangle && type == bvxPolygon) {
+        for (const WorldPoint& p : {P1, WorldPoint{P2.x, P1.y}, P2, WorldPoint{P1.x, P2.y}})
+            target->SetPoint(-1, p.x, p.y, nullptr);
+        return true;
+    }
+    if (source != bvx2PointEllipse || (type != bvxEllipse && type != bvxPolygon)) return false;
     auto half = [](double a, double b) {
         double h = (b - a) * 0.5;
         return std::fabs(h) <= kTiny ? 0.0 : h;
@@ -365,8 +366,14 @@ bool CRectShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double
     WorldPoint centre{P1.x + half(P1.x, P2.x), P1.y + half(P1.y, P2.y)};
     double rx = std::fabs(P2.x - centre.x), ry = std::fabs(P2.y - centre.y);
     if (!(rx > kTiny && ry > kTiny)) return false;
-    ellipse->SetPoint(0, centre.x, centre.y, nullptr);
-    ellipse->SetPoint(1, rx, ry, nullptr);
+    if (type == bvxPolygon) {
+        // As the ellipse between the same corners would.
+        CEllipseShape ellipse(centre);
+        ellipse.SetPoint(1, rx, ry, nullptr);
+        return ellipse.ConvertTo(type, target, mode, value, nullptr);
+    }
+    target->SetPoint(0, centre.x, centre.y, nullptr);
+    target->SetPoint(1, rx, ry, nullptr);
     return true;
 }
 
