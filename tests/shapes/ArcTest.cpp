@@ -1,0 +1,390 @@
+// Arcs, pie slices and chords against geometry worked out here on its own: outlines sampled densely, areas as
+// polygons, the three-point circle by its distances. Shapes are made and changed through the members a host calls.
+#include "control/CadControl.h"
+#include "control/HostDoubles.h"
+#include "shapes/ArcGeometry.h"
+#include "shapes/CArcShape.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <tuple>
+#include <vector>
+
+namespace bvx {
+namespace {
+
+constexpr double kPi = std::numbers::pi, kTwoPi = 2 * std::numbers::pi;
+constexpr double kDegree = 0.01745329252; // the interface's degree, a little off pi / 180
+
+// How far `to` lies counter-clockwise of `from`, in [0, 2 pi).
+double Ahead(double from, double to) { return std::fmod(std::fmod(to - from, kTwoPi) + kTwoPi, kTwoPi); }
+bool SameAngle(double a, double b) { return std::min(Ahead(a, b), Ahead(b, a)) < 1e-12; }
+bool Near(WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y) < 1e-9; }
+
+struct Exact { double x, y; }; // a device position before rounding
+double ScreenAngle(DevicePoint c, Exact p) { return std::atan2(c.y - p.y, p.x - c.x); }
+// A box grown point by point, and a rectangle's box from corners in either order.
+struct Box {
+    double l = 1e300, t = 1e300, r = -1e300, b = -1e300;
+    void Take(double x, double y) { l = std::min(l, x), t = std::min(t, y), r = std::max(r, x), b = std::max(b, y); }
+};
+template <typename Rect> Box Of(const Rect& r)
+{
+    return {double(std::min(r.left, r.right)), double(std::min(r.top, r.bottom)), double(std::max(r.left, r.right)),
+            double(std::max(r.top, r.bottom))};
+}
+bool Within(const Box& in, const Box& out, double slack)
+{
+    return in.l >= out.l - slack && in.t >= out.t - slack && in.r <= out.r + slack && in.b <= out.b + slack;
+}
+
+// Whether the device ends lie in one quadrant of the drawn ellipse's box and the box rule goes the long way round.
+bool LongWayInOneQuadrant(DeviceRect r, DevicePoint p1, DevicePoint p2)
+{
+    const DevicePoint m{(r.right + 1 - r.left) / 2 + r.left, (r.bottom + 1 - r.top) / 2 + r.top};
+    auto quadrant = [&](DevicePoint p) { return p.y < m.y ? (p.x <= m.x ? 2 : 1) : (p.x <= m.x ? 3 : 4); };
+    return quadrant(p1) == quadrant(p2) && (quadrant(p1) <= 2 ? p1.x <= p2.x : p2.x <= p1.x);
+}
+
+// 1 if surely in the border method's band (in the ellipse of the box grown by 4, out of that of the box shrunk by 4),
+// -1 if surely out, 0 within 2.5 pixels of either: regions drop their right and bottom edges and round to pixels.
+int BandSide(const DeviceRect& e, DevicePoint p)
+{
+    auto outside = [&](int grow, double slack) {
+        const double a = (e.right - e.left) / 2.0 + grow + slack, b = (e.bottom - e.top) / 2.0 + grow + slack;
+        const double x = p.x - (e.left + e.right) / 2.0, y = p.y - (e.top + e.bottom) / 2.0;
+        return x * x / (a * a) + y * y / (b * b) > 1;
+    };
+    return !outside(4, -2.5) && outside(-4, 2.5) ? 1 : outside(4, 2.5) || !outside(-4, -2.5) ? -1 : 0;
+}
+
+const double kWorlds[4][4] = {{0, 200, 200, 0}, {0, 0, 200, 200}, {200, 200, 0, 0}, {200, 0, 0, 200}};
+
+class Arcs : public ::testing::Test {
+protected:
+    Arcs() : control(&window, &sink) { Window(401, kWorlds[0]); }
+    void Window(int32_t size, const double (&world)[4])
+    {
+        window.client = {0, 0, size, size};
+        View().World.SetClientRect(window.client);
+        control.WorldSet(world[0], world[1], world[2], world[3]);
+    }
+    CadView& View() { return control.View(); }
+    CArcShape* Make(int16_t type, double cx, double cy, double rx, double ry, double a, double b)
+    {
+        constexpr auto kDraw = std::array{&CadControl::DrawArc, &CadControl::DrawPieSlice, &CadControl::DrawChord};
+        number = (control.*kDraw[type - bvxArc])(cx, cy, rx, ry, a, b, 1);
+        return static_cast<CArcShape*>(View().Buf.FindShape(number));
+    }
+    DeviceRect EllipseRect(const CArcShape& arc)
+    {
+        const WorldPoint c = arc.Centre, r{std::fabs(arc.Radius.x), std::fabs(arc.Radius.y)};
+        return OrderedRect(View().World.WorldRectToDevice({c.x - r.x, c.y - r.y}, {c.x + r.x, c.y + r.y}));
+    }
+    // The outline, and which of it the platform's Arc draws: from the ray through the device start point
+    // counter-clockwise on the screen to the ray through the end point; one ray for both is the whole ellipse.
+    struct Outline {
+        std::vector<WorldPoint> world; std::vector<Exact> points; std::vector<bool> drawn;
+        DevicePoint c, s, e; double from, span;
+    };
+    Outline Sample(const CArcShape& arc, int n)
+    {
+        const CadWorld& w = View().World;
+        Outline o{{}, {}, {}, w.WorldToDevice(arc.Centre), w.WorldToDevice(arc.GetHandlePoint(2, View())),
+                  w.WorldToDevice(arc.GetHandlePoint(3, View())), 0, kTwoPi};
+        o.from = ScreenAngle(o.c, {double(o.s.x), double(o.s.y)});
+        if (o.s != o.e) o.span = Ahead(o.from, ScreenAngle(o.c, {double(o.e.x), double(o.e.y)}));
+        for (int i = 0; i < n; ++i) {
+            const double t = i * kTwoPi / n;
+            const WorldPoint& p = o.world.emplace_back(arc.Centre.x + arc.Radius.x * std::cos(t),
+                                                       arc.Centre.y + arc.Radius.y * std::sin(t));
+            o.points.push_back({(p.x - w.OriginX) * w.SignX * w.ScaleX + w.ClientRect.left,
+                                (p.y - w.OriginY) * w.SignY * w.ScaleY + w.ClientRect.top});
+            o.drawn.push_back(Ahead(o.from, ScreenAngle(o.c, o.points.back())) <= o.span);
+        }
+        return o;
+    }
+    testing::RecordingHostWindow window;
+    testing::RecordingEventSink sink;
+    CadControl control;
+    int32_t number = -1;
+};
+
+TEST(ArcCircleThroughThreePoints, CentreIsEquidistantAndSweepFollowsTheScreenTurn)
+{
+    std::mt19937 rng(31);
+    std::uniform_real_distribution<double> coord(-100, 100);
+    const int16_t signs[4][2] = {{1, -1}, {1, 1}, {-1, -1}, {-1, 1}};
+    for (int i = 0; i < 400; ++i) {
+        WorldPoint p[3];
+        for (WorldPoint& q : p) q = {coord(rng), coord(rng)};
+        const double cross = (p[1].x - p[0].x) * (p[2].y - p[0].y) - (p[1].y - p[0].y) * (p[2].x - p[0].x);
+        if (std::fabs(cross) < 1) continue; // nearly on one line: the centre is beyond any fair tolerance
+        for (const auto& [sx, sy] : signs) {
+            const ThreePointCircle c = CircleThroughWorld(p[0], p[1], p[2], sx, sy);
+            for (const WorldPoint& q : p) EXPECT_NEAR(Distance(q, c.centre), c.radius, 1e-9 * (c.radius + 100)) << i;
+            // On the screen x runs with SignX, y against SignY; sweep 1 meets the second point first.
+            auto on = [&](WorldPoint q) { return std::atan2(-sy * (q.y - c.centre.y), sx * (q.x - c.centre.x)); };
+            EXPECT_EQ(c.sweep, Ahead(on(p[0]), on(p[1])) < Ahead(on(p[0]), on(p[2])) ? 1 : 2) << i << " " << sx << sy;
+        }
+    }
+    const WorldPoint lines[][3] = {{{0, 0}, {1, 1}, {2, 2}}, {{5, 5}, {5, 5}, {5, 5}}, {{1, 2}, {1, 2}, {7, 9}},
+                                   {{0, 5}, {0, -3}, {0, 1e6}}, {{-4, 6}, {2, -3}, {-10, 15}}}; // none a circle
+    for (const auto& l : lines)
+        for (const auto& [sx, sy] : signs) {
+            const ThreePointCircle c = CircleThroughWorld(l[0], l[1], l[2], sx, sy);
+            EXPECT_TRUE(c.sweep == 0 && !std::isnan(c.radius) && !std::isnan(c.centre.x) && !std::isnan(c.centre.y));
+        }
+}
+
+// Random arcs under the four axis directions. The drawn part lies in the device and world bounds, which are no larger,
+// save where the box rule keeps the whole ellipse for ends in one quadrant. On the border method a press within 2
+// pixels of the drawn curve (clear of its ends) or a pixel of a pie's radius or a chord hits; one over 5 pixels from
+// all of them, or off the drawn angles, misses.
+TEST_F(Arcs, BoundsAndBorderHitsFollowTheDrawnPart)
+{
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<double> u(0, 1);
+    const double margin = 0.3 * kPi / 180; // the band measures angles in tenths of degrees
+    int hits = 0, misses = 0;
+    for (const auto& wd : kWorlds) {
+        Window(401, wd);
+        const CadWorld& w = View().World;
+        for (int i = 0; i < 45; ++i) {
+            const int16_t type = int16_t(bvxArc + i % 3);
+            double v[6];
+            for (double& x : v) x = u(rng);
+            const bool grid = i < 6; // the hit grid on a few arcs, of moderate size and at most 2 to 1
+            const double rx = grid ? 25 + 20 * v[2] : 8 + 62 * v[2];
+            const double ry = grid ? rx * (0.6 + 0.9 * v[3]) : 8 + 62 * v[3];
+            CArcShape* arc = Make(type, 60 + 80 * v[0], 60 + 80 * v[1], rx, ry, (2 * v[4] - 1) * kTwoPi,
+                                  (2 * v[5] - 1) * kTwoPi);
+            const Outline o = Sample(*arc, 1000);
+            // In the world the drawn part runs counter-clockwise when exactly one axis runs against the device's.
+            const double a = arc->StartAngle, z = arc->EndAngle;
+            Box device, world;
+            for (size_t k = 0; k < o.points.size(); ++k) {
+                const double th = std::atan2(o.world[k].y - arc->Centre.y, o.world[k].x - arc->Centre.x);
+                if (w.SignX * w.SignY < 0 ? Ahead(a, th) <= Ahead(a, z) : Ahead(th, a) <= Ahead(z, a))
+                    world.Take(o.world[k].x, o.world[k].y);
+                if (o.drawn[k]) device.Take(o.points[k].x, o.points[k].y);
+            }
+            device.Take(o.s.x, o.s.y), device.Take(o.e.x, o.e.y);
+            for (int h : {2, 3}) world.Take(arc->GetHandlePoint(h, View()).x, arc->GetHandlePoint(h, View()).y);
+            if (type == bvxPieSlice) device.Take(o.c.x, o.c.y), world.Take(arc->Centre.x, arc->Centre.y);
+            const DeviceRect b = arc->BoundsAsRect(), box = EllipseRect(*arc);
+            SCOPED_TRACE(::testing::Message() << "world " << wd[0] << "," << wd[1] << " shape " << i);
+            EXPECT_TRUE(Within(device, Of(b), 1.5));
+            if (!Within(Of(b), device, 2)) {
+                EXPECT_TRUE(LongWayInOneQuadrant(box, o.s, o.e) && std::abs(b.left - box.left) <= 1 &&
+                            std::abs(b.right - box.right) <= 2);
+            }
+            const WorldRect wb = arc->GetWorldBounds(View());
+            EXPECT_TRUE((wb.right - wb.left) * w.SignX >= 0 && (wb.bottom - wb.top) * w.SignY >= 0);
+            EXPECT_TRUE(Within(world, Of(wb), 1e-9) && Within(Of(wb), world, 1e-3));
+            if (!grid) continue;
+            control.PutShapeSearchMethod(number, 0);
+            std::vector<std::pair<DevicePoint, DevicePoint>> segments;
+            if (type == bvxPieSlice) segments = {{o.c, o.s}, {o.c, o.e}};
+            if (type == bvxChord) segments = {{o.s, o.e}};
+            for (int32_t y = box.top - 10; y <= box.bottom + 10; y += 2)
+                for (int32_t x = box.left - 10; x <= box.right + 10; x += 2) {
+                    double toDrawn = 1e9, toSegment = 1e9;
+                    for (size_t k = 0; k < o.points.size(); ++k)
+                        if (o.drawn[k]) toDrawn = std::min(toDrawn, std::hypot(o.points[k].x - x, o.points[k].y - y));
+                    bool onSegment = false;
+                    for (const auto& [p, q] : segments) {
+                        const double dx = q.x - p.x, dy = q.y - p.y;
+                        const double t = std::clamp(((x - p.x) * dx + (y - p.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+                        const double d = std::hypot(p.x + t * dx - x, p.y + t * dy - y);
+                        toSegment = std::min(toSegment, d);
+                        onSegment |= d <= 1 && t > 0.05 && t < 0.95 && dx * dx + dy * dy > 400; // clear of the ends
+                    }
+                    const double at = Ahead(o.from, ScreenAngle(o.c, {double(x), double(y)}));
+                    const int band = BandSide(box, {x, y});
+                    const bool within = at > margin && at < o.span - margin;
+                    const bool mustHit = (toDrawn <= 2 && within && band == 1) || onSegment;
+                    const bool beyond = at > o.span + margin && at < kTwoPi - margin;
+                    const bool mustMiss = toDrawn > 5 && toSegment > 5 && (band == -1 || beyond);
+                    if (!mustHit && !mustMiss) continue;
+                    EXPECT_EQ(arc->HitTest({x, y}, View()) != 0, mustHit)
+                        << "at " << x << "," << y << " to curve " << toDrawn << " to segment " << toSegment;
+                    ++(mustHit ? hits : misses);
+                }
+        }
+    }
+    EXPECT_TRUE(hits > 4000 && misses > 140000) << hits << " " << misses;
+}
+
+// By hand at scale 1 (device x = world x, y = 100 - world y), radius 30 about (50, 50). Inside method: the box's
+// diagonal stands in for the chord and the half width is not centred, so some answers differ from the true figure.
+TEST_F(Arcs, HitRowsWorkedByHand)
+{
+    Window(101, {0, 100, 100, 0});
+    const std::tuple<int16_t, int16_t, double, double, DevicePoint, bool> rows[] = {
+        // Ends (50, 20) and (20, 50): bounds and the ends' box 20..50 both ways.
+        {bvxChord, 1, kPi / 2, kPi, {30, 30}, true},  // diagonal at x 30, not left of it; half width 22: 1 crossing
+        {bvxChord, 1, kPi / 2, kPi, {45, 40}, true},  // 2 crossings, but right of the chord at 30: outside truly
+        {bvxChord, 1, kPi / 2, kPi, {35, 25}, false}, // crossings at 25 and 17, chord at 45: inside truly
+        {bvxChord, 1, kPi / 2, kPi, {22, 30}, false}, // outside the circle, left of the chord at 40
+        {bvxPieSlice, 1, kPi / 2, kPi, {30, 30}, true},
+        {bvxPieSlice, 1, kPi / 2, kPi, {45, 40}, false}, // inside truly; the radii at x 50 and y 50 not crossed
+        {bvxPieSlice, 1, kPi / 2, kPi, {35, 25}, false},
+        // Ends (80, 50) and (20, 50): bounds 20..81 by 20..50, the ends' box one row.
+        {bvxChord, 1, 0, kPi, {50, 30}, true},    // off that row: one crossing
+        {bvxChord, 1, 0, kPi, {50, 60}, false},   // below the bounds
+        {bvxArc, 0, 1, 1, {20, 50}, true},        // border method: equal angles are the whole ellipse
+        {bvxArc, 0, 0, kPi / 2, {20, 50}, false}, // a quarter from the right up to the top
+    };
+    for (const auto& [type, method, start, end, point, hit] : rows) {
+        Make(type, 50, 50, 30, 30, start, end);
+        control.PutShapeSearchMethod(number, method);
+        EXPECT_EQ(View().Buf.FindShape(number)->HitTest(point, View()) != 0, hit)
+            << "type " << type << " from " << start << " at " << point.x << "," << point.y;
+    }
+}
+
+TEST_F(Arcs, HandlesPointsAndDrags)
+{
+    Window(101, {0, 100, 100, 0});
+    CArcShape* arc = Make(bvxArc, 50, 50, 30, 20, 0.5, 4.0);
+    // The centre, then the ends on the ellipse at their polar angles; a press on the centre answers 9 (the radii).
+    const double angles[] = {0, 0.5, 4.0};
+    for (int h = 1; h <= 3; ++h) {
+        const WorldPoint p = arc->GetHandlePoint(h, View());
+        const DevicePoint d = View().World.WorldToDevice(p);
+        const double onEllipse = std::pow((p.x - 50) / 30, 2) + std::pow((p.y - 50) / 20, 2);
+        EXPECT_TRUE(h == 1 ? Near(p, {50, 50}) : SameAngle(std::atan2(p.y - 50, p.x - 50), angles[h - 1]) &&
+                                                     std::fabs(onEllipse - 1) < 1e-12);
+        EXPECT_EQ(arc->HitHandle({d.x + 2, d.y - 2}, 1, View()), h == 1 ? 9 : h);
+    }
+    EXPECT_EQ(arc->HitHandle({35, 50}, 1, View()), 0);
+    for (const auto& [handle, point] : {std::pair{1, -1}, std::pair{2, 2}, std::pair{3, 2}, std::pair{9, 1}})
+        EXPECT_EQ(arc->HandleToPoint(handle), point) << handle;
+    // Radii from (30, 20): 9 by difference, 1 to the point; orthogonal drawing equalizes them by the larger move.
+    const std::tuple<bool, int, WorldPoint, WorldPoint> drags[] = {
+        {false, 9, {3, -1}, {33, 19}},  {true, 9, {3, -1}, {33, 33}},  {true, 9, {1, -4}, {16, 16}},
+        {false, 1, {12, 25}, {12, 25}}, {true, 1, {12, 25}, {25, 25}}, {true, 1, {40, 5}, {40, 40}}};
+    for (const auto& [ortho, handle, move, radius] : drags) {
+        control.ShapePointSet(number, 1, 30, 20);
+        control.PutViewDrawOrthogonal(ortho);
+        sink.events.clear();
+        arc->MoveHandle(handle, move, View());
+        const std::string event = "DrawRadius " + std::to_string(int(radius.x)) + " " + std::to_string(int(radius.y));
+        EXPECT_TRUE(arc->Radius == radius && sink.events == std::vector<std::string>{event}) << handle << ortho;
+    }
+    control.PutViewDrawOrthogonal(false);
+    // Angle handles: the point's angle about the centre; degrees in the read-out cut along an axis or diagonal.
+    const std::tuple<int16_t, int, WorldPoint, double> turns[] = {
+        {1, 2, {50 + 1e-8, 80}, 89}, {1, 3, {50 - 1e-8, 80}, 90}, {1, 2, {40, 60}, 135}, {1, 3, {60, 40}, 315},
+        {1, 2, {60, 53}, std::atan2(3.0, 10.0) * 180 / kPi},      {0, 3, {60, 53}, std::atan2(3.0, 10.0)}};
+    for (const auto& [angleMode, handle, point, readout] : turns) {
+        control.PutAngleMode(angleMode);
+        arc->MoveHandle(handle, point, View());
+        const double angle = std::atan2(point.y - 50, point.x - 50);
+        EXPECT_DOUBLE_EQ(handle == 2 ? arc->StartAngle : arc->EndAngle, angle + (angle < 0 ? kTwoPi : 0));
+        EXPECT_NEAR(View().ReadoutAngle, readout, 1e-9) << point.x << "," << point.y;
+    }
+    // Point 2 in degrees: out by 57.29577951308232, cut when the end sits on an axis or diagonal; in by kDegree.
+    arc = Make(bvxArc, 50, 50, 20, 20, kPi / 2 - 1e-9, 1.0);
+    control.PutAngleMode(1);
+    EXPECT_EQ(control.ShapePointGetX(number, 2), 89);
+    EXPECT_NEAR(control.ShapePointGetY(number, 2), 57.29577951, 1e-12);
+    EXPECT_TRUE(control.GetShapePointCount(number) == 3 && control.ShapePointGetX(number, 0) == 50);
+    control.ShapePointSet(number, 2, 45, 300);
+    EXPECT_TRUE(arc->StartAngle == 45 * kDegree && arc->EndAngle == 300 * kDegree);
+    control.ShapePointSetX(number, 2, 10); // the end goes out and back in degrees, unrounded
+    EXPECT_TRUE(arc->StartAngle == 10 * kDegree && std::fabs(arc->EndAngle - 300 * kDegree) < 1e-10);
+    arc = Make(bvxChord, 50, 50, 20, 20, 30, 135);
+    EXPECT_TRUE(arc->StartAngle == 30 * kDegree && arc->EndAngle == 135 * kDegree);
+    EXPECT_EQ(control.ShapePointGetY(number, 2), 135);
+}
+
+// Mirrors and uniform scales carry the centre and the ends along (a mirror swaps them); other scales the radii.
+TEST_F(Arcs, TransformsKeepTheFigure)
+{
+    Window(101, {0, 100, 100, 0});
+    CArcShape* arc = Make(bvxPieSlice, 40, 30, 30, 12, 0.4, 2.5);
+    // ShapeReflect by mode, or LayerScale by factors, about (20, 10).
+    const std::tuple<bool, int16_t, double, double> mirrors[] = {{0, 0, 1, -1}, {0, 1, -1, 1}, {0, 2, -1, -1},
+                                                                 {1, 0, -2, -2}, {1, 0, -1, 1}, {1, 0, 1, -1}};
+    for (const auto& [scale, mode, fx, fy] : mirrors) {
+        auto map = [&](WorldPoint p) { return WorldPoint{20 + fx * (p.x - 20), 10 + fy * (p.y - 10)}; };
+        const WorldPoint c = map(arc->Centre), r{arc->Radius.x * std::fabs(fx), arc->Radius.y * std::fabs(fy)};
+        WorldPoint start = map(arc->PointAt(arc->StartAngle)), end = map(arc->PointAt(arc->EndAngle));
+        if (fx * fy < 0) std::swap(start, end);
+        scale ? control.LayerScale(1, 20, 10, fx, fy) : control.ShapeReflect(number, mode, 20, 10);
+        EXPECT_TRUE(Near(arc->Centre, c) && Near(arc->Radius, r)) << scale << " " << mode;
+        EXPECT_TRUE(Near(arc->PointAt(arc->StartAngle), start) && Near(arc->PointAt(arc->EndAngle), end)) << mode;
+    }
+    const WorldPoint before = arc->Radius;
+    control.ShapeScale(number, 0, 0, 2, 3);
+    control.ShapeScale(number, 0, 0, -2, 0.5); // a negative factor counts as 1
+    EXPECT_EQ(arc->Radius, (WorldPoint{before.x * 2, before.y * 1.5}));
+    // Random mirrors (modes 0 to 2) and turns (3 ShapeRotate, 4 LayerRotate, the latter through kDegree once more in
+    // degree mode): angles turn with the centre, by half a turn more once the cosine is negative, stay within two turns
+    // either way, and radii stay.
+    std::mt19937 rng(5);
+    for (int i = 0; i < 400; ++i) {
+        const int16_t deg = int16_t(int(rng() % 341) - 170), mode = int16_t(rng() % 5), angleMode = int16_t(rng() % 2);
+        control.PutAngleMode(angleMode);
+        const double r = deg * kDegree * (mode == 4 && angleMode ? kDegree : 1), s = arc->StartAngle;
+        const double turn = mode == 2 ? kPi : mode < 2 ? 0 : r + (std::cos(r) < 0 ? kPi : 0);
+        const WorldPoint c = arc->Centre, radius = arc->Radius;
+        double a = s, b = arc->EndAngle;
+        if (mode < 3) control.ShapeReflect(number, mode, 50, 50);
+        if (mode == 3) control.ShapeRotate(number, deg, 50, 50);
+        if (mode == 4) control.LayerRotate(1, deg, 50, 50);
+        if (mode < 2) a = -(b + mode * kPi), b = -(s + mode * kPi);
+        a += turn, b += turn;
+        ASSERT_TRUE(std::fabs(arc->StartAngle) <= kTwoPi && std::fabs(arc->EndAngle) <= kTwoPi) << i;
+        ASSERT_TRUE(SameAngle(arc->StartAngle, a) && SameAngle(arc->EndAngle, b)) << i << " mode " << mode;
+        if (mode < 3) continue;
+        EXPECT_TRUE(Near(arc->Centre, {50 + (c.x - 50) * std::cos(r) - (c.y - 50) * std::sin(r),
+                                       50 + (c.x - 50) * std::sin(r) + (c.y - 50) * std::cos(r)}));
+        EXPECT_TRUE(arc->Radius == radius && View().World.LastRotation == deg * (mode == 4 && angleMode ? kDegree : 1));
+    }
+}
+
+// The area of a polygon through the figure, sampled by the eccentric angle counter-clockwise between the ends.
+double FigureArea(int16_t type, double rx, double ry, double a, double b)
+{
+    auto eccentric = [&](double polar) { return std::atan2(std::sin(polar) / ry, std::cos(polar) / rx); };
+    const double ta = eccentric(a), tb = ta + Ahead(ta, eccentric(b));
+    std::vector<WorldPoint> poly(type == bvxPieSlice ? 1 : 0); // a pie starts at the centre
+    for (int i = 0; i <= 20000; ++i)
+        poly.push_back({rx * std::cos(ta + (tb - ta) * i / 20000), ry * std::sin(ta + (tb - ta) * i / 20000)});
+    double twice = 0;
+    for (size_t i = 0, j = poly.size() - 1; i < poly.size(); j = i++)
+        twice += poly[j].x * poly[i].y - poly[i].x * poly[j].y;
+    return std::fabs(twice) / 2;
+}
+
+// Circles at any angles; ellipses only with ends on the axes, where measuring by the eccentric angle holds.
+TEST_F(Arcs, AreasOfPieAndChord)
+{
+    std::mt19937 rng(3);
+    std::uniform_real_distribution<double> u(0, 1);
+    for (int i = 0; i < 40; ++i) {
+        const int16_t type = i % 2 ? bvxChord : bvxPieSlice;
+        const double r = 5 + 40 * u(rng), a = u(rng) * kTwoPi, b = u(rng) * kTwoPi;
+        Make(type, 50, 50, r, r, a, b);
+        EXPECT_NEAR(control.GetShapeArea(number), FigureArea(type, r, r, a, b), 1e-6 * r * r) << type << " " << a;
+    }
+    const double ends[][2] = {{0, kPi / 2}, {kPi / 2, kPi}, {0, kPi}, {kPi, 0}, {0, 1.5 * kPi}, {1.5 * kPi, kPi / 2}};
+    for (const auto& [a, b] : ends)
+        for (int16_t type : {bvxPieSlice, bvxChord}) {
+            Make(type, 50, 50, 40, 15, a, b);
+            EXPECT_NEAR(control.GetShapeArea(number), FigureArea(type, 40, 15, a, b), 1e-3) << type << " " << a;
+        }
+    Make(bvxArc, 50, 50, 40, 15, 0, kPi);
+    EXPECT_EQ(control.GetShapeArea(number), 0);
+}
+
+} // namespace
+} // namespace bvx
