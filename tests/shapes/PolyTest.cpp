@@ -1,0 +1,424 @@
+// Point-list shapes against geometry worked out here on its own: crossings
+// from the line and circle equations, areas by the shoelace formula, spline
+// hits against a Catmull-Rom curve sampled here; all through the members.
+#include "control/CadControl.h"
+#include "control/HostDoubles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <numbers>
+#include <random>
+
+namespace bvx {
+namespace {
+
+using Pts = std::vector<WorldPoint>;
+struct Segment {
+    WorldPoint a, b;
+};
+constexpr double kPi = std::numbers::pi, kDegree = 0.01745329252; // the interface's degree
+
+double Dist(WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
+WorldPoint Along(Segment s, double t) { return {s.a.x + t * (s.b.x - s.a.x), s.a.y + t * (s.b.y - s.a.y)}; }
+double Foot(WorldPoint p, Segment s) // 0 at the start, 1 at the end
+{
+    return ((p.x - s.a.x) * (s.b.x - s.a.x) + (p.y - s.a.y) * (s.b.y - s.a.y)) / std::pow(Dist(s.a, s.b), 2);
+}
+double ToSegment(WorldPoint p, Segment s)
+{
+    return s.a == s.b ? Dist(p, s.a) : Dist(p, Along(s, std::clamp(Foot(p, s), 0.0, 1.0)));
+}
+
+// A shape as the test sees it: a circle (or ellipse), or a line or path of points.
+struct Figure {
+    int16_t type;
+    Pts points;
+    WorldPoint centre{};
+    double radius = 0;
+    std::vector<Segment> Segments() const
+    {
+        std::vector<Segment> s;
+        for (size_t i = 1; i < points.size(); ++i) s.push_back({points[i - 1], points[i]});
+        if (type == bvxPolygon || type == bvxRectangle) s.push_back({points.back(), points.front()});
+        return s;
+    }
+    double Off(WorldPoint p) const
+    {
+        double best = type == bvxCircle ? std::fabs(Dist(p, centre) - radius) : 1e300;
+        for (const Segment& s : Segments()) best = std::min(best, ToSegment(p, s));
+        return best;
+    }
+};
+Figure Line(double x1, double y1, double x2, double y2) { return {bvxLine, {{x1, y1}, {x2, y2}}}; }
+Figure Circle(double x, double y, double r, int16_t type = bvxCircle) { return {type, {}, {x, y}, r}; }
+Figure Rect(WorldPoint a, WorldPoint b) { return {bvxRectangle, {a, {b.x, a.y}, b, {a.x, b.y}}}; }
+Figure Through(int16_t type, Pts points) { return {type, std::move(points)}; }
+
+// Where two figures meet; `clear` is false when a meeting lies too near an
+// end or a tangent for the answer to be certain either way.
+struct Meetings {
+    Pts points;
+    bool clear = true;
+    Meetings(const Figure& f, const Figure& g)
+    {
+        auto within = [&](double t) {
+            return (clear &= std::fabs(t) > 1e-6 && std::fabs(t - 1) > 1e-6), t > 0 && t < 1;
+        };
+        if (f.type == bvxCircle && g.type == bvxCircle) {
+            // The common chord, on the line of the centres.
+            const double d = Dist(f.centre, g.centre), r1 = f.radius, r2 = g.radius;
+            const double a = (r1 * r1 - r2 * r2 + d * d) / (2 * d), h = std::sqrt(r1 * r1 - a * a) / d;
+            const WorldPoint m = Along({f.centre, g.centre}, a / d),
+                             e{g.centre.x - f.centre.x, g.centre.y - f.centre.y};
+            clear = std::fabs(r1 * r1 - a * a) > 1e-6 * r1 * r1;
+            if (h > 0) points = {{m.x - h * e.y, m.y + h * e.x}, {m.x + h * e.y, m.y - h * e.x}};
+        } else if (f.type == bvxCircle || g.type == bvxCircle) {
+            // Each segment's parametric form put into (x - cx)^2 + (y - cy)^2 = r^2.
+            const Figure& c = f.type == bvxCircle ? f : g;
+            for (const Segment& s : (f.type == bvxCircle ? g : f).Segments()) {
+                const double dx = s.b.x - s.a.x, dy = s.b.y - s.a.y;
+                const double fx = s.a.x - c.centre.x, fy = s.a.y - c.centre.y, qa = dx * dx + dy * dy;
+                const double qb = 2 * (fx * dx + fy * dy),
+                             disc = qb * qb - 4 * qa * (fx * fx + fy * fy - c.radius * c.radius);
+                clear &= std::fabs(disc) > 1e-6 * qa * c.radius * c.radius;
+                for (double sign : {-1, 1})
+                    if (const double t = (-qb + sign * std::sqrt(disc)) / (2 * qa); disc > 0 && within(t))
+                        points.push_back(Along(s, t));
+            }
+        } else {
+            // Cramer's rule on the lines a x + b y = c.
+            for (const auto& [s1, s2] : f.Segments())
+                for (const auto& [t1, t2] : g.Segments()) {
+                    const double A1 = s2.y - s1.y, B1 = s1.x - s2.x, C1 = A1 * s1.x + B1 * s1.y;
+                    const double A2 = t2.y - t1.y, B2 = t1.x - t2.x, C2 = A2 * t1.x + B2 * t1.y,
+                                 det = A1 * B2 - A2 * B1;
+                    clear &= std::fabs(det) > 1e-6 * std::hypot(A1, B1) * std::hypot(A2, B2);
+                    const WorldPoint p{(B2 * C1 - B1 * C2) / det, (A1 * C2 - A2 * C1) / det};
+                    if (det != 0 && within(Foot(p, {s1, s2})) & within(Foot(p, {t1, t2}))) points.push_back(p);
+                }
+        }
+    }
+};
+
+// Uniform Catmull-Rom in its matrix form: `perSpan` steps of t on each span,
+// points 0 to `last` of them; an open curve doubles its end points, and short
+// of a whole span at the end it takes its last point.
+Pts SplineSamples(const Pts& c, bool closed, int perSpan, int last)
+{
+    const int n = int(c.size());
+    auto at = [&](int i) { return closed ? c[size_t((i + n) % n)] : c[size_t(std::clamp(i, 0, n - 1))]; };
+    auto q = [](double a, double b, double c, double d, double t) {
+        return 0.5 * (2 * b + (c - a) * t + (2 * a - 5 * b + 4 * c - d) * t * t + (3 * b - a - 3 * c + d) * t * t * t);
+    };
+    Pts out;
+    for (int k = 0; k < (closed ? n : n - 1); ++k)
+        for (int j = 0; j <= last; ++j) {
+            const WorldPoint a = at(k - 1), b = at(k), cc = at(k + 1), d = at(k + 2);
+            out.push_back({q(a.x, b.x, cc.x, d.x, double(j) / perSpan), q(a.y, b.y, cc.y, d.y, double(j) / perSpan)});
+        }
+    if (!closed && last < perSpan) out.push_back(c.back());
+    return out;
+}
+
+// Distance from a pixel to a path of pixels, and whether the border rule, which measures along an axis with
+// whole-pixel slopes, is sure to hit it: within a pixel of a slanted segment, two of an upright or level one.
+double Nearest(const std::vector<DevicePoint>& path, bool closed, DevicePoint p, bool& sure)
+{
+    const WorldPoint q{double(p.x), double(p.y)};
+    double nearest = 1e300;
+    for (size_t i = 1; i < path.size() + (closed ? 1 : 0); ++i) {
+        const DevicePoint a = path[i - 1], b = path[i % path.size()];
+        const Segment s{{double(a.x), double(a.y)}, {double(b.x), double(b.y)}};
+        const double t = a == b ? -1 : Foot(q, s);
+        nearest = std::min(nearest, ToSegment(q, s));
+        sure |= t >= 0 && t <= 1 && Dist(q, Along(s, t)) <= (a.x == b.x || a.y == b.y ? 2 : 1);
+    }
+    return nearest;
+}
+
+class Poly : public ::testing::Test {
+protected:
+    Poly() : control(&window, &sink) { control.View().World.SetClientRect(window.client); }
+    int32_t Path(int16_t type, const Pts& points, int16_t layer = 1)
+    {
+        const int32_t n = control.ShapeAdd(type, layer);
+        for (size_t i = 0; i < points.size(); ++i) control.ShapePointSet(n, int16_t(i), points[i].x, points[i].y);
+        return n;
+    }
+    int32_t Make(const Figure& f, int16_t layer = 1)
+    {
+        const Pts& p = f.points;
+        const WorldPoint c = f.centre;
+        if (f.type == bvxCircle) return control.DrawCircle(c.x, c.y, f.radius, layer);
+        if (f.type == bvxEllipse) return control.DrawEllipse(c.x, c.y, f.radius, f.radius / 2, layer);
+        if (f.type == bvxLine) return control.DrawLine(p[0].x, p[0].y, p[1].x, p[1].y, layer);
+        return f.type == bvxRectangle ? control.DrawRectangle(p[0].x, p[0].y, p[2].x, p[2].y, layer)
+                                      : Path(f.type, p, layer);
+    }
+    Pts Points(int32_t n)
+    {
+        Pts p;
+        for (int16_t i = 0; i < control.GetShapePointCount(n); ++i)
+            p.push_back({control.ShapePointGetX(n, i), control.ShapePointGetY(n, i)});
+        return p;
+    }
+    // The rows of ShapeIntersectPoints: the partners' numbers and the points.
+    std::pair<std::vector<int32_t>, Pts> Crossings(int32_t n, int16_t layer = -1)
+    {
+        const Variant v = control.ShapeIntersectPoints(n, layer);
+        EXPECT_TRUE(v.TypeWord() == 0x200C && v.Dimensions() == 2 && v.Columns() == 3); // N by 3 variants, N may be 0
+        std::pair<std::vector<int32_t>, Pts> rows;
+        for (int32_t i = 0; v.Columns() == 3 && i < v.Rows(); ++i) {
+            EXPECT_TRUE(v.At(i, 0).Type() == VarType::I4 && v.At(i, 1).Type() == VarType::R8);
+            rows.first.push_back(int32_t(v.At(i, 0).Integer()));
+            rows.second.push_back({v.At(i, 1).Real(), v.At(i, 2).Real()});
+        }
+        return rows;
+    }
+
+    testing::RecordingHostWindow window;
+    testing::RecordingEventSink sink;
+    CadControl control;
+};
+
+// Fixed meetings first: parallel, overlapping and concentric ones report
+// nothing, tangents and corners once; spline and ellipse take no part. Then
+// random ones against the equations, each point also on both outlines.
+TEST_F(Poly, CrossingsMatchTheLineAndCircleEquations)
+{
+    std::vector<std::tuple<Figure, Figure, Pts>> pairs = {
+        {Line(0, 0, 10, 5), Line(0, 3, 10, 8), {}}, {Line(0, 0, 10, 5), Line(2, 1, 8, 4), {}},
+        {Circle(50, 50, 10), Circle(50, 50, 20), {}}, {Circle(50, 50, 10), Circle(50, 50, 10), {}},
+        {Circle(30, 50, 10), Circle(50, 50, 10), {{40, 50}}}, {Line(0, 60, 100, 60), Circle(50, 50, 10), {{50, 60}}},
+        {Line(0, 0, 10, 0), Line(10, 0, 10, 10), {{10, 0}}}, {Circle(10, 10, 5), Line(60, 60, 90, 90), {}},
+        {Through(bvxPolygon, {{10, 10}, {50, 10}, {50, 40}, {10, 40}}), Line(0, 0, 60, 60), {{10, 10}, {40, 40}}},
+        {Rect({10, 10}, {50, 40}), Line(0, 0, 60, 60), {{10, 10}, {40, 40}}},
+        {Through(bvxPolyline, {{10, 10}, {50, 10}, {50, 40}}), Line(30, -10, 70, 30), {{50, 10}}},
+        {Through(bvxSpline, {{0, 0}, {50, 60}, {100, 0}}), Line(0, 20, 100, 20), {}},
+        {Circle(50, 50, 20, bvxEllipse), Line(0, 50, 100, 50), {}},
+    };
+    std::mt19937 rng(2024);
+    std::uniform_int_distribution<int> milli(0, 100000);
+    auto at = [&] { return WorldPoint{milli(rng) / 1000.0, milli(rng) / 1000.0}; };
+    auto random = [&](int16_t type) {
+        if (type == bvxCircle) return Circle(at().x, at().y, 5 + milli(rng) / 3000.0);
+        if (type == bvxRectangle) return Rect(at(), at());
+        return type == bvxLine ? Through(type, {at(), at()}) : Through(type, {at(), at(), at(), at(), at()});
+    };
+    const int16_t kinds[] = {bvxLine, bvxCircle, bvxPolyline, bvxPolygon, bvxFreehand, bvxRectangle};
+    for (int trial = 0; trial < 720; ++trial) {
+        const Figure f = random(kinds[trial % 6]), g = random(kinds[trial / 6 % 6]);
+        if (const Meetings want(f, g); want.clear) pairs.push_back({f, g, want.points});
+    }
+    size_t found = 0;
+    for (size_t i = 0; i < pairs.size(); ++i) {
+        const auto& [f, g, want] = pairs[i];
+        const int32_t nf = Make(f), ng = Make(g);
+        for (auto [self, partner] : {std::pair{nf, ng}, std::pair{ng, nf}}) {
+            const auto [numbers, points] = Crossings(self);
+            ASSERT_EQ(points.size(), want.size()) << "pair " << i << ": types " << f.type << ", " << g.type;
+            EXPECT_EQ(numbers, std::vector<int32_t>(points.size(), partner));
+            for (WorldPoint p : points) EXPECT_LT(std::max(f.Off(p), g.Off(p)), 1e-6) << i;
+            for (WorldPoint p : want)
+                EXPECT_TRUE(std::any_of(points.begin(), points.end(), [&](WorldPoint q) { return Dist(p, q) < 1e-6; }));
+            found += points.size();
+        }
+        control.ShapeDelete(nf);
+        control.ShapeDelete(ng);
+    }
+    EXPECT_GT(pairs.size(), 660u);
+    EXPECT_GT(found, 2500u);
+    EXPECT_TRUE(Crossings(9999).first.empty());
+}
+
+TEST_F(Poly, PolygonAreaIsTheShoelaceArea)
+{
+    std::mt19937 rng(11);
+    std::uniform_real_distribution<double> turn(0, 2 * kPi);
+    std::uniform_int_distribution<int> radius(5, 500), offset(-1000000, 1000000);
+    for (int i = 0; i < 200; ++i) {
+        std::vector<double> angles(size_t(3 + i % 12));
+        for (double& a : angles) a = turn(rng);
+        std::sort(angles.begin(), angles.end()); // star-shaped about the offset
+        const double ox = offset(rng), oy = offset(rng);
+        Pts v; // whole numbers about the offset, so that the sum is exact
+        double twice = 0, r;
+        for (double a : angles) v.push_back({std::round((r = radius(rng)) * std::cos(a)), std::round(r * std::sin(a))});
+        for (size_t j = 0; j < v.size(); ++j)
+            twice += v[j].x * v[(j + 1) % v.size()].y - v[(j + 1) % v.size()].x * v[j].y;
+        for (WorldPoint& p : v) p = {p.x + ox, p.y + oy};
+        EXPECT_EQ(control.GetShapeArea(Path(bvxPolygon, v)), std::fabs(twice) / 2) << i;
+        EXPECT_EQ(control.GetShapeArea(Path(i % 2 ? bvxPolyline : bvxClosedSpline, v)), 0.0);
+    }
+    EXPECT_EQ(control.GetShapeArea(Path(bvxPolygon, {{0, 0}, {10, 0}})), 0.0);
+}
+
+// Over every pixel, on the border method: a pixel within sure reach of the
+// outline hits, one beyond 5 pixels misses.
+TEST_F(Poly, HitTestsFollowTheOutlineOverAGrid)
+{
+    std::mt19937 rng(5);
+    std::uniform_int_distribution<int> whole(8, 92);
+    std::uniform_real_distribution<double> real(15, 85);
+    auto pick = [&](bool integral) { return integral ? double(whole(rng)) : real(rng); };
+    auto points = [&](int n, bool integral) {
+        Pts p(size_t(n), WorldPoint{});
+        for (WorldPoint& q : p) q = {pick(integral), pick(integral)};
+        return p;
+    };
+    const std::pair<int16_t, Pts> shapes[] = {
+        {bvxPolyline, points(6, true)}, {bvxFreehand, points(8, true)}, {bvxSpline, points(5, false)},
+        {bvxPolygon, {{20, 15}, {55, 30}, {85, 10}, {75, 55}, {90, 85}, {45, 70}, {10, 90}, {30, 50}}},
+        {bvxPolygon, {{10, 10}, {60, 10}, {60, 40}, {85, 40}, {85, 90}, {10, 90}}}, {bvxClosedSpline, points(4, false)},
+    };
+    for (const auto& [type, given] : shapes) {
+        const int32_t n = Path(type, given);
+        const Pts held = Points(n);
+        std::vector<DevicePoint> path, corners;
+        for (WorldPoint p : type >= bvxSpline ? SplineSamples(held, type == bvxClosedSpline, 20, 20) : held)
+            path.push_back(control.View().World.WorldToDevice(p));
+        for (WorldPoint p : held) corners.push_back(control.View().World.WorldToDevice(p));
+        // The stored box of the points, grown by 3, without its right and bottom edges.
+        const auto [left, right] = std::minmax_element(corners.begin(), corners.end(),
+                                                       [](auto a, auto b) { return a.x < b.x; });
+        const auto [top, bottom] = std::minmax_element(corners.begin(), corners.end(),
+                                                       [](auto a, auto b) { return a.y < b.y; });
+        int sure = 0, clear = 0;
+        for (int y = 0; y <= 100; ++y)
+            for (int x = 0; x <= 100; ++x) {
+                bool near = false;
+                const double gap = Nearest(path, type == bvxPolygon, {x, y}, near);
+                near &= x >= left->x - 3 && x < right->x + 3 && y >= top->y - 3 && y < bottom->y + 3;
+                const int32_t hit = control.ShapeHitTest(x, 100 - y, 0);
+                if (near || gap > 5) {
+                    EXPECT_EQ(hit, near ? n : -1) << type << " at " << x << "," << y;
+                }
+                sure += near;
+                clear += gap > 5;
+            }
+        EXPECT_TRUE(sure > 100 && clear > 3000) << type;
+        control.ShapeDelete(n);
+    }
+}
+
+TEST_F(Poly, PointInsertAndDeleteOnPointListsOnly)
+{
+    for (int16_t type = bvxPolyline; type <= bvxClosedSpline; ++type) {
+        const int32_t n = Path(type, {{10, 10}, {40, 20}, {70, 10}});
+        sink.events.clear();
+        EXPECT_TRUE(control.ShapePointInsert(n, 1, 25, 50) && control.ShapePointInsert(n, 0, 5, 5));
+        EXPECT_FALSE(control.ShapePointInsert(n, 5, 1, 1) || control.ShapePointInsert(n, -1, 1, 1));
+        EXPECT_EQ(Points(n), (Pts{{5, 5}, {10, 10}, {25, 50}, {40, 20}, {70, 10}})) << type;
+        EXPECT_FALSE(control.ShapePointDelete(n, 5) || control.ShapePointDelete(n, -1));
+        EXPECT_TRUE(control.ShapePointDelete(n, 4) && control.ShapePointDelete(n, 1));
+        EXPECT_EQ(Points(n), (Pts{{5, 5}, {25, 50}, {40, 20}})) << type;
+        EXPECT_TRUE(control.ShapePointDelete(n, 0) && control.ShapePointDelete(n, 0));
+        EXPECT_EQ(Points(n), (Pts{{40, 20}}));
+        EXPECT_TRUE(sink.events.empty());
+    }
+    for (int32_t n : {control.DrawThreePointArc(20, 50, 50, 80, 80, 50, 1), control.DrawRectangle(10, 10, 30, 30, 1),
+                      control.DrawLine(0, 0, 9, 9, 1), control.DrawCircle(50, 50, 9, 1),
+                      control.DrawEllipse(50, 50, 9, 4, 1), control.DrawArc(50, 50, 9, 9, 0, 1, 1), 9999}) {
+        const Pts before = Points(n);
+        EXPECT_FALSE(control.ShapePointInsert(n, 0, 1, 1) || control.ShapePointDelete(n, 0)) << n;
+        EXPECT_EQ(Points(n), before);
+    }
+}
+
+// Each conversion from a new shape: done, the shape keeps its number and
+// selection and the host hears nothing; refused (nothing wanted), nothing changes.
+TEST_F(Poly, ConversionsKeepTheNumberAndTellNothing)
+{
+    const Pts four{{10, 10}, {30, 40}, {60, 20}, {90, 60}}, rect{{10, 20}, {40, 80}}, round{{50, 50}, {20, 20}};
+    const Pts oval{{50, 50}, {30, 15}}, quarter{{80, 50}, {68, 74}, {50, 80}}, half{{20, 50}, {50, 80}, {80, 50}};
+    auto ring = [](double rx, double ry, double step, int n, double last = -1) {
+        Pts p;
+        for (int i = 0; i < n; ++i) p.push_back({50 + rx * std::cos(i * step), 50 + ry * std::sin(i * step)});
+        if (last >= 0) p.push_back({50 + rx * std::cos(last), 50 + ry * std::sin(last)});
+        return p;
+    };
+    const std::map<int16_t, const Pts*> sources{{bvxRectangle, &rect},   {bvxLine, &rect},         {bvxCircle, &round},
+                                                {bvxEllipse, &oval},     {bvx3PointArc, &quarter}, {bvxPolyline, &four},
+                                                {bvxPolygon, &four},     {bvxFreehand, &four},     {bvxSpline, &four},
+                                                {bvxClosedSpline, &four}};
+    const double d = 30 * kDegree, nan = std::numeric_limits<double>::quiet_NaN(), inf = 1 / 0.0;
+    const struct {
+        int16_t from, to, mode;
+        double value;
+        Pts want;
+        int16_t angleMode = 0;
+        const Pts* points = nullptr; // the source's, when not the usual one of its type
+    } cases[] = {
+        // Copies of the list, and a polygon opened at its point 2.
+        {bvxPolyline, bvxPolygon, 0, 0, four}, {bvxPolygon, bvxPolyline, 0, 0, four},
+        {bvxFreehand, bvxPolyline, 0, 0, four}, {bvxFreehand, bvxPolygon, 1, 0, four},
+        {bvxSpline, bvxClosedSpline, 0, 0, four}, {bvxClosedSpline, bvxSpline, 0, 0, four},
+        {bvxPolygon, bvxPolyline, 3, 2.7, {four[2], four[3], four[0], four[1], four[2]}},
+        // Splines by segments a span; fewer than the spans give the control points.
+        {bvxSpline, bvxPolyline, 1, 10, SplineSamples(four, false, 10, 9)},
+        {bvxClosedSpline, bvxPolygon, 0, 6.9, SplineSamples(four, true, 6, 5)}, {bvxSpline, bvxPolyline, 0, 2, four},
+        {bvxSpline, bvxPolyline, 0, -5, four},
+        // Outlines: the corners; steps by a count or by an angle in AngleMode's unit; a three-point
+        // arc counter-clockwise from whichever end makes it pass through its middle point.
+        {bvxRectangle, bvxPolygon, 0, 0, {{10, 20}, {40, 20}, {40, 80}, {10, 80}}},
+        {bvxCircle, bvxPolygon, 1, 4, ring(20, 20, kPi / 2, 4)}, {bvxCircle, bvxPolygon, 2, 1, ring(20, 20, 1, 7)},
+        {bvxEllipse, bvxPolygon, 2, 30, ring(30, 15, d, 12), 1},
+        {bvx3PointArc, bvxPolyline, 1, 2, ring(30, 30, kPi / 4, 3)},
+        {bvx3PointArc, bvxPolygon, 2, 30, ring(30, 30, d, 3, kPi / 2), 1},
+        {bvx3PointArc, bvxPolyline, 1, 4, ring(30, 30, kPi / 4, 5), 0, &half},
+        {bvx3PointArc, bvxArc, 0, 0, {{50, 50}, {30, 30}, {0, kPi / 2}}},
+        {bvx3PointArc, bvxArc, 0, 0, {{50, 50}, {30, 30}, {0, kPi}}, 0, &half},
+        // Refused pairs and modes.
+        {bvxPolyline, bvxSpline, 0, 0, {}}, {bvxPolyline, bvxPolyline, 0, 0, {}}, {bvxPolyline, bvxPolygon, 4, 0, {}},
+        {bvxPolyline, 16, 0, 0, {}}, {bvxPolygon, bvxPolyline, 3, 4, {}}, {bvxPolygon, bvxPolyline, 3, -1, {}},
+        {bvxFreehand, bvxSpline, 0, 0, {}}, {bvxClosedSpline, bvxArc, 0, 0, {}}, {bvx3PointArc, bvxPolyline, 0, 3, {}},
+        {bvx3PointArc, bvxPieSlice, 0, 0, {}}, {bvxCircle, bvxPolygon, 3, 4, {}}, {bvxRectangle, bvxPolyline, 0, 0, {}},
+        {bvxLine, bvxPolygon, 0, 0, {}},
+        // Steps that are none, run backwards, never end, or make more points than a shape holds.
+        {bvx3PointArc, bvxPolyline, 1, 0, {}}, {bvx3PointArc, bvxPolyline, 1, inf, {}},
+        {bvx3PointArc, bvxPolyline, 1, 1e9, {}}, {bvx3PointArc, bvxPolygon, 2, -0.1, {}},
+        {bvx3PointArc, bvxPolygon, 2, 1e-300, {}}, {bvxCircle, bvxPolygon, 1, -4, {}},
+        {bvxCircle, bvxPolygon, 1, nan, {}}, {bvxCircle, bvxPolygon, 1, 32767.5, {}}, {bvxCircle, bvxPolygon, 2, 0, {}},
+        {bvxCircle, bvxPolygon, 2, 1e-12, {}}, {bvxSpline, bvxPolyline, 0, inf, {}},
+        {bvxSpline, bvxPolyline, 0, 10923, {}}, {bvxClosedSpline, bvxPolygon, 0, 8192, {}},
+    };
+    for (const auto& k : cases) {
+        const Pts& p = k.points ? *k.points : *sources.at(k.from);
+        const int32_t n = k.from == bvx3PointArc
+                              ? control.DrawThreePointArc(p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y, 1)
+                          : k.from < bvxPolyline  ? Make({k.from, Rect(p[0], p[1]).points})
+                          : k.from > bvx3PointArc ? Make(Circle(p[0].x, p[0].y, p[1].x, k.from))
+                                                  : Path(k.from, p);
+        const std::string what = "row " + std::to_string(&k - cases);
+        const Pts before = Points(n);
+        EXPECT_TRUE(k.from < bvxPolyline || k.from > bvx3PointArc || before == p) << what;
+        control.ShapeSelect(n, false);
+        sink.events.clear();
+        control.PutAngleMode(k.angleMode);
+        const bool done = control.ShapeConvert(n, k.to, k.mode, k.value);
+        control.PutAngleMode(0); // arcs read back in radians
+        EXPECT_EQ(done, !k.want.empty()) << what;
+        EXPECT_TRUE(sink.events.empty() && control.GetShapeIsSelected(n)) << what;
+        EXPECT_EQ(control.GetShapeType(n), done ? k.to : k.from) << what;
+        const Pts got = Points(n), &want = done ? k.want : before;
+        ASSERT_EQ(got.size(), want.size()) << what;
+        for (size_t i = 0; i < got.size(); ++i) EXPECT_LE(Dist(got[i], want[i]), 1e-7) << what << ", point " << i;
+        control.ShapeDelete(n);
+    }
+    EXPECT_FALSE(control.ShapeConvert(9999, bvxPolygon, 0, 0));
+    // A full shape takes no point more; opened after a delete, it takes the one it needs.
+    const int32_t full = control.DrawCircle(50, 50, 20, 1);
+    ASSERT_TRUE(control.ShapeConvert(full, bvxPolygon, 1, 32766.5) && control.GetShapePointCount(full) == 32767);
+    control.ShapePointSet(full, 32767, 1, 1);
+    EXPECT_FALSE(control.ShapePointInsert(full, 0, 1, 1));
+    EXPECT_TRUE(control.GetShapePointCount(full) == 32767 && control.ShapePointDelete(full, 0));
+    EXPECT_TRUE(control.ShapeConvert(full, bvxPolyline, 3, 0) && control.GetShapePointCount(full) == 32767);
+    EXPECT_EQ(Points(full).back(), Points(full).front());
+}
+
+} // namespace
+} // namespace bvx
