@@ -314,7 +314,7 @@ TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
 
 // ---- random input ----
 
-constexpr int16_t kTools[] = {-3, -2, -1, 0, 1, 2, 3, 4, 16, 19, 20};
+constexpr int16_t kTools[] = {-3, -2, -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 13, 14, 15, 16, 19, 20};
 
 class RandomUser;
 // The run under way, told when a crash or a sanitizer's report ends the
