@@ -469,7 +469,8 @@ bool CPolyShape::ConvertTo(int16_t type, CObjShape* target, int16_t mode, double
     if (source == bvxPolygon && mode == 3) {
         // Opened at point k: the polyline starts and ends there.
         const double k = std::trunc(value);
-        if (!(k >= 0 && k <= double(Points.size()) - 1)) return false;
+        // The point it opens at stands at both ends: one more than the polygon has.
+        if (!(k >= 0 && k <= double(Points.size()) - 1) || Points.size() + 1 > kMaxPoints) return false;
         const size_t start = size_t(k);
         for (size_t i = start; i < Points.size(); ++i) target->SetPoint(-1, Points[i].x, Points[i].y, nullptr);
         for (size_t i = 0; i <= start; ++i) target->SetPoint(-1, Points[i].x, Points[i].y, nullptr);
@@ -484,8 +485,11 @@ bool CPolyShape::ConvertSpline(int16_t type, CObjShape* target, double value) co
     if (Points.empty() || !std::isfinite(value)) return false;
     const double spans = double(Points.size()) - 1;
     double segments = std::max(std::trunc(value), spans);
-    // More points than a shape holds would be made: refused.
-    if (segments * double(Points.size() + 1) > double(kMaxPoints)) return false;
+    // More points than a shape holds would be made: refused. An open curve
+    // ends on its last control point, a closed one comes back to its first.
+    const bool closed = GetShapeType() == bvxClosedSpline && Points.size() > 2;
+    const double made = closed ? double(Points.size()) * segments : spans * segments + 1;
+    if (made > double(kMaxPoints)) return false;
     target->SetShapeType(uint8_t(type), 0);
     if (segments == spans || Points.size() == 1) {
         for (const WorldPoint& p : Points) target->SetPoint(-1, p.x, p.y, nullptr);
