@@ -1,37 +1,21 @@
 // Arcs, pie slices and chords against geometry worked out here on its own: outlines sampled densely, areas as
 // polygons, the three-point circle by its distances. Shapes are made and changed through the members a host calls.
-#include "control/CadControl.h"
-#include "control/HostDoubles.h"
+#include "ShapeTestSupport.h"
 #include "shapes/ArcGeometry.h"
 #include "shapes/CArcShape.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <array>
-#include <cmath>
-#include <numbers>
 #include <random>
 #include <tuple>
-#include <vector>
 
-namespace bvx {
+namespace bvx::shapetest {
 namespace {
 
-constexpr double kPi = std::numbers::pi, kTwoPi = 2 * std::numbers::pi;
-constexpr double kDegree = 0.01745329252; // the interface's degree, a little off pi / 180
-
-// How far `to` lies counter-clockwise of `from`, in [0, 2 pi).
-double Ahead(double from, double to) { return std::fmod(std::fmod(to - from, kTwoPi) + kTwoPi, kTwoPi); }
-bool SameAngle(double a, double b) { return std::min(Ahead(a, b), Ahead(b, a)) < 1e-12; }
-bool Near(WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y) < 1e-9; }
-
-struct Exact { double x, y; }; // a device position before rounding
-double ScreenAngle(DevicePoint c, Exact p) { return std::atan2(c.y - p.y, p.x - c.x); }
+double ScreenAngle(DevicePoint c, WorldPoint p) { return std::atan2(c.y - p.y, p.x - c.x); }
 // A box grown point by point, and a rectangle's box from corners in either order.
 struct Box {
     double l = 1e300, t = 1e300, r = -1e300, b = -1e300;
-    void Take(double x, double y) { l = std::min(l, x), t = std::min(t, y), r = std::max(r, x), b = std::max(b, y); }
+    void Take(WorldPoint p) { l = std::min(l, p.x), t = std::min(t, p.y), r = std::max(r, p.x), b = std::max(b, p.y); }
 };
 template <typename Rect> Box Of(const Rect& r)
 {
@@ -65,16 +49,15 @@ int BandSide(const DeviceRect& e, DevicePoint p)
 
 const double kWorlds[4][4] = {{0, 200, 200, 0}, {0, 0, 200, 200}, {200, 200, 0, 0}, {200, 0, 0, 200}};
 
-class Arcs : public ::testing::Test {
+class Arcs : public ControlTest {
 protected:
-    Arcs() : control(&window, &sink) { Window(401, kWorlds[0]); }
+    Arcs() { Window(401, kWorlds[0]); }
     void Window(int32_t size, const double (&world)[4])
     {
         window.client = {0, 0, size, size};
         View().World.SetClientRect(window.client);
         control.WorldSet(world[0], world[1], world[2], world[3]);
     }
-    CadView& View() { return control.View(); }
     CArcShape* Make(int16_t type, double cx, double cy, double rx, double ry, double a, double b)
     {
         constexpr auto kDraw = std::array{&CadControl::DrawArc, &CadControl::DrawPieSlice, &CadControl::DrawChord};
@@ -86,32 +69,28 @@ protected:
         const WorldPoint c = arc.Centre, r{std::fabs(arc.Radius.x), std::fabs(arc.Radius.y)};
         return OrderedRect(View().World.WorldRectToDevice({c.x - r.x, c.y - r.y}, {c.x + r.x, c.y + r.y}));
     }
-    // The outline, and which of it the platform's Arc draws: from the ray through the device start point
-    // counter-clockwise on the screen to the ray through the end point; one ray for both is the whole ellipse.
+    // The outline, and which of it the platform's Arc draws (in exact device positions): from the ray through the
+    // device start point counter-clockwise on the screen to the ray through the end point; one ray is the whole.
     struct Outline {
-        std::vector<WorldPoint> world; std::vector<Exact> points; std::vector<bool> drawn;
-        DevicePoint c, s, e; double from, span;
+        Pts world, drawn;
+        DevicePoint c, s, e;
+        double from, span;
     };
     Outline Sample(const CArcShape& arc, int n)
     {
         const CadWorld& w = View().World;
-        Outline o{{}, {}, {}, w.WorldToDevice(arc.Centre), w.WorldToDevice(arc.GetHandlePoint(2, View())),
-                  w.WorldToDevice(arc.GetHandlePoint(3, View())), 0, kTwoPi};
-        o.from = ScreenAngle(o.c, {double(o.s.x), double(o.s.y)});
-        if (o.s != o.e) o.span = Ahead(o.from, ScreenAngle(o.c, {double(o.e.x), double(o.e.y)}));
-        for (int i = 0; i < n; ++i) {
-            const double t = i * kTwoPi / n;
-            const WorldPoint& p = o.world.emplace_back(arc.Centre.x + arc.Radius.x * std::cos(t),
-                                                       arc.Centre.y + arc.Radius.y * std::sin(t));
-            o.points.push_back({(p.x - w.OriginX) * w.SignX * w.ScaleX + w.ClientRect.left,
-                                (p.y - w.OriginY) * w.SignY * w.ScaleY + w.ClientRect.top});
-            o.drawn.push_back(Ahead(o.from, ScreenAngle(o.c, o.points.back())) <= o.span);
+        Outline o{EllipseSamples(arc.Centre, arc.Radius.x, arc.Radius.y, n), {}, w.WorldToDevice(arc.Centre),
+                  w.WorldToDevice(arc.GetHandlePoint(2, View())), w.WorldToDevice(arc.GetHandlePoint(3, View())), 0,
+                  kTwoPi};
+        o.from = ScreenAngle(o.c, Exact(o.s));
+        if (o.s != o.e) o.span = Ahead(o.from, ScreenAngle(o.c, Exact(o.e)));
+        for (const WorldPoint& p : o.world) {
+            const WorldPoint d{(p.x - w.OriginX) * w.SignX * w.ScaleX + w.ClientRect.left,
+                               (p.y - w.OriginY) * w.SignY * w.ScaleY + w.ClientRect.top};
+            if (Ahead(o.from, ScreenAngle(o.c, d)) <= o.span) o.drawn.push_back(d);
         }
         return o;
     }
-    testing::RecordingHostWindow window;
-    testing::RecordingEventSink sink;
-    CadControl control;
     int32_t number = -1;
 };
 
@@ -168,15 +147,14 @@ TEST_F(Arcs, BoundsAndBorderHitsFollowTheDrawnPart)
             // In the world the drawn part runs counter-clockwise when exactly one axis runs against the device's.
             const double a = arc->StartAngle, z = arc->EndAngle;
             Box device, world;
-            for (size_t k = 0; k < o.points.size(); ++k) {
-                const double th = std::atan2(o.world[k].y - arc->Centre.y, o.world[k].x - arc->Centre.x);
-                if (w.SignX * w.SignY < 0 ? Ahead(a, th) <= Ahead(a, z) : Ahead(th, a) <= Ahead(z, a))
-                    world.Take(o.world[k].x, o.world[k].y);
-                if (o.drawn[k]) device.Take(o.points[k].x, o.points[k].y);
+            for (const WorldPoint& p : o.world) {
+                const double th = std::atan2(p.y - arc->Centre.y, p.x - arc->Centre.x);
+                if (w.SignX * w.SignY < 0 ? Ahead(a, th) <= Ahead(a, z) : Ahead(th, a) <= Ahead(z, a)) world.Take(p);
             }
-            device.Take(o.s.x, o.s.y), device.Take(o.e.x, o.e.y);
-            for (int h : {2, 3}) world.Take(arc->GetHandlePoint(h, View()).x, arc->GetHandlePoint(h, View()).y);
-            if (type == bvxPieSlice) device.Take(o.c.x, o.c.y), world.Take(arc->Centre.x, arc->Centre.y);
+            for (const WorldPoint& p : o.drawn) device.Take(p);
+            device.Take(Exact(o.s)), device.Take(Exact(o.e));
+            for (int h : {2, 3}) world.Take(arc->GetHandlePoint(h, View()));
+            if (type == bvxPieSlice) device.Take(Exact(o.c)), world.Take(arc->Centre);
             const DeviceRect b = arc->BoundsAsRect(), box = EllipseRect(*arc);
             SCOPED_TRACE(::testing::Message() << "world " << wd[0] << "," << wd[1] << " shape " << i);
             EXPECT_TRUE(Within(device, Of(b), 1.5));
@@ -189,23 +167,21 @@ TEST_F(Arcs, BoundsAndBorderHitsFollowTheDrawnPart)
             EXPECT_TRUE(Within(world, Of(wb), 1e-9) && Within(Of(wb), world, 1e-3));
             if (!grid) continue;
             control.PutShapeSearchMethod(number, 0);
-            std::vector<std::pair<DevicePoint, DevicePoint>> segments;
-            if (type == bvxPieSlice) segments = {{o.c, o.s}, {o.c, o.e}};
-            if (type == bvxChord) segments = {{o.s, o.e}};
+            std::vector<Segment> segments;
+            if (type == bvxPieSlice) segments = {{Exact(o.c), Exact(o.s)}, {Exact(o.c), Exact(o.e)}};
+            if (type == bvxChord) segments = {{Exact(o.s), Exact(o.e)}};
             for (int32_t y = box.top - 10; y <= box.bottom + 10; y += 2)
                 for (int32_t x = box.left - 10; x <= box.right + 10; x += 2) {
-                    double toDrawn = 1e9, toSegment = 1e9;
-                    for (size_t k = 0; k < o.points.size(); ++k)
-                        if (o.drawn[k]) toDrawn = std::min(toDrawn, std::hypot(o.points[k].x - x, o.points[k].y - y));
+                    const WorldPoint q{double(x), double(y)};
+                    const double toDrawn = ToNearest(o.drawn, q);
+                    double toSegment = 1e9;
                     bool onSegment = false;
-                    for (const auto& [p, q] : segments) {
-                        const double dx = q.x - p.x, dy = q.y - p.y;
-                        const double t = std::clamp(((x - p.x) * dx + (y - p.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
-                        const double d = std::hypot(p.x + t * dx - x, p.y + t * dy - y);
-                        toSegment = std::min(toSegment, d);
-                        onSegment |= d <= 1 && t > 0.05 && t < 0.95 && dx * dx + dy * dy > 400; // clear of the ends
+                    for (const Segment& s : segments) {
+                        const double d = ToSegment(q, s), t = Foot(q, s);
+                        toSegment = std::min(toSegment, d); // clear of the ends:
+                        onSegment |= d <= 1 && t > 0.05 && t < 0.95 && Dist(s.a, s.b) > 20;
                     }
-                    const double at = Ahead(o.from, ScreenAngle(o.c, {double(x), double(y)}));
+                    const double at = Ahead(o.from, ScreenAngle(o.c, q));
                     const int band = BandSide(box, {x, y});
                     const bool within = at > margin && at < o.span - margin;
                     const bool mustHit = (toDrawn <= 2 && within && band == 1) || onSegment;
@@ -351,40 +327,35 @@ TEST_F(Arcs, TransformsKeepTheFigure)
     }
 }
 
-// The area of a polygon through the figure, sampled by the eccentric angle counter-clockwise between the ends.
-double FigureArea(int16_t type, double rx, double ry, double a, double b)
-{
-    auto eccentric = [&](double polar) { return std::atan2(std::sin(polar) / ry, std::cos(polar) / rx); };
-    const double ta = eccentric(a), tb = ta + Ahead(ta, eccentric(b));
-    std::vector<WorldPoint> poly(type == bvxPieSlice ? 1 : 0); // a pie starts at the centre
-    for (int i = 0; i <= 20000; ++i)
-        poly.push_back({rx * std::cos(ta + (tb - ta) * i / 20000), ry * std::sin(ta + (tb - ta) * i / 20000)});
-    double twice = 0;
-    for (size_t i = 0, j = poly.size() - 1; i < poly.size(); j = i++)
-        twice += poly[j].x * poly[i].y - poly[i].x * poly[j].y;
-    return std::fabs(twice) / 2;
-}
-
-// Circles at any angles; ellipses only with ends on the axes, where measuring by the eccentric angle holds.
+// The area of a polygon through the figure, sampled by the eccentric angle counter-clockwise between the ends; a pie
+// starts at the centre. Circles at any angles; ellipses only with ends on the axes, where that measure holds.
 TEST_F(Arcs, AreasOfPieAndChord)
 {
+    auto figureArea = [](int16_t type, double rx, double ry, double a, double b) {
+        auto eccentric = [&](double polar) { return std::atan2(std::sin(polar) / ry, std::cos(polar) / rx); };
+        const double ta = eccentric(a), tb = ta + Ahead(ta, eccentric(b));
+        Pts poly(type == bvxPieSlice ? 1 : 0);
+        for (int i = 0; i <= 20000; ++i)
+            poly.push_back({rx * std::cos(ta + (tb - ta) * i / 20000), ry * std::sin(ta + (tb - ta) * i / 20000)});
+        return std::fabs(ShoelaceTwice(poly)) / 2;
+    };
     std::mt19937 rng(3);
     std::uniform_real_distribution<double> u(0, 1);
     for (int i = 0; i < 40; ++i) {
         const int16_t type = i % 2 ? bvxChord : bvxPieSlice;
         const double r = 5 + 40 * u(rng), a = u(rng) * kTwoPi, b = u(rng) * kTwoPi;
         Make(type, 50, 50, r, r, a, b);
-        EXPECT_NEAR(control.GetShapeArea(number), FigureArea(type, r, r, a, b), 1e-6 * r * r) << type << " " << a;
+        EXPECT_NEAR(control.GetShapeArea(number), figureArea(type, r, r, a, b), 1e-6 * r * r) << type << " " << a;
     }
     const double ends[][2] = {{0, kPi / 2}, {kPi / 2, kPi}, {0, kPi}, {kPi, 0}, {0, 1.5 * kPi}, {1.5 * kPi, kPi / 2}};
     for (const auto& [a, b] : ends)
         for (int16_t type : {bvxPieSlice, bvxChord}) {
             Make(type, 50, 50, 40, 15, a, b);
-            EXPECT_NEAR(control.GetShapeArea(number), FigureArea(type, 40, 15, a, b), 1e-3) << type << " " << a;
+            EXPECT_NEAR(control.GetShapeArea(number), figureArea(type, 40, 15, a, b), 1e-3) << type << " " << a;
         }
     Make(bvxArc, 50, 50, 40, 15, 0, kPi);
     EXPECT_EQ(control.GetShapeArea(number), 0);
 }
 
 } // namespace
-} // namespace bvx
+} // namespace bvx::shapetest

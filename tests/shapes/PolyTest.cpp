@@ -1,37 +1,14 @@
 // Point-list shapes against geometry worked out here on its own: crossings
 // from the line and circle equations, areas by the shoelace formula, spline
 // hits against a Catmull-Rom curve sampled here; all through the members.
-#include "control/CadControl.h"
-#include "control/HostDoubles.h"
+#include "ShapeTestSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <limits>
 #include <map>
-#include <numbers>
 #include <random>
 
-namespace bvx {
+namespace bvx::shapetest {
 namespace {
-
-using Pts = std::vector<WorldPoint>;
-struct Segment {
-    WorldPoint a, b;
-};
-constexpr double kPi = std::numbers::pi, kDegree = 0.01745329252; // the interface's degree
-
-double Dist(WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
-WorldPoint Along(Segment s, double t) { return {s.a.x + t * (s.b.x - s.a.x), s.a.y + t * (s.b.y - s.a.y)}; }
-double Foot(WorldPoint p, Segment s) // 0 at the start, 1 at the end
-{
-    return ((p.x - s.a.x) * (s.b.x - s.a.x) + (p.y - s.a.y) * (s.b.y - s.a.y)) / std::pow(Dist(s.a, s.b), 2);
-}
-double ToSegment(WorldPoint p, Segment s)
-{
-    return s.a == s.b ? Dist(p, s.a) : Dist(p, Along(s, std::clamp(Foot(p, s), 0.0, 1.0)));
-}
 
 // A shape as the test sees it: a circle (or ellipse), or a line or path of points.
 struct Figure {
@@ -39,13 +16,7 @@ struct Figure {
     Pts points;
     WorldPoint centre{};
     double radius = 0;
-    std::vector<Segment> Segments() const
-    {
-        std::vector<Segment> s;
-        for (size_t i = 1; i < points.size(); ++i) s.push_back({points[i - 1], points[i]});
-        if (type == bvxPolygon || type == bvxRectangle) s.push_back({points.back(), points.front()});
-        return s;
-    }
+    std::vector<Segment> Segments() const { return Edges(points, type == bvxPolygon || type == bvxRectangle); }
     double Off(WorldPoint p) const
     {
         double best = type == bvxCircle ? std::fabs(Dist(p, centre) - radius) : 1e300;
@@ -126,29 +97,19 @@ Pts SplineSamples(const Pts& c, bool closed, int perSpan, int last)
 
 // Distance from a pixel to a path of pixels, and whether the border rule, which measures along an axis with
 // whole-pixel slopes, is sure to hit it: within a pixel of a slanted segment, two of an upright or level one.
-double Nearest(const std::vector<DevicePoint>& path, bool closed, DevicePoint p, bool& sure)
+double Nearest(const Pts& path, bool closed, WorldPoint q, bool& sure)
 {
-    const WorldPoint q{double(p.x), double(p.y)};
     double nearest = 1e300;
-    for (size_t i = 1; i < path.size() + (closed ? 1 : 0); ++i) {
-        const DevicePoint a = path[i - 1], b = path[i % path.size()];
-        const Segment s{{double(a.x), double(a.y)}, {double(b.x), double(b.y)}};
-        const double t = a == b ? -1 : Foot(q, s);
+    for (const Segment& s : Edges(path, closed)) {
+        const double t = s.a == s.b ? -1 : Foot(q, s);
         nearest = std::min(nearest, ToSegment(q, s));
-        sure |= t >= 0 && t <= 1 && Dist(q, Along(s, t)) <= (a.x == b.x || a.y == b.y ? 2 : 1);
+        sure |= t >= 0 && t <= 1 && Dist(q, Along(s, t)) <= (s.a.x == s.b.x || s.a.y == s.b.y ? 2 : 1);
     }
     return nearest;
 }
 
-class Poly : public ::testing::Test {
+class Poly : public ControlTest {
 protected:
-    Poly() : control(&window, &sink) { control.View().World.SetClientRect(window.client); }
-    int32_t Path(int16_t type, const Pts& points, int16_t layer = 1)
-    {
-        const int32_t n = control.ShapeAdd(type, layer);
-        for (size_t i = 0; i < points.size(); ++i) control.ShapePointSet(n, int16_t(i), points[i].x, points[i].y);
-        return n;
-    }
     int32_t Make(const Figure& f, int16_t layer = 1)
     {
         const Pts& p = f.points;
@@ -158,13 +119,6 @@ protected:
         if (f.type == bvxLine) return control.DrawLine(p[0].x, p[0].y, p[1].x, p[1].y, layer);
         return f.type == bvxRectangle ? control.DrawRectangle(p[0].x, p[0].y, p[2].x, p[2].y, layer)
                                       : Path(f.type, p, layer);
-    }
-    Pts Points(int32_t n)
-    {
-        Pts p;
-        for (int16_t i = 0; i < control.GetShapePointCount(n); ++i)
-            p.push_back({control.ShapePointGetX(n, i), control.ShapePointGetY(n, i)});
-        return p;
     }
     // The rows of ShapeIntersectPoints: the partners' numbers and the points.
     std::pair<std::vector<int32_t>, Pts> Crossings(int32_t n, int16_t layer = -1)
@@ -179,10 +133,6 @@ protected:
         }
         return rows;
     }
-
-    testing::RecordingHostWindow window;
-    testing::RecordingEventSink sink;
-    CadControl control;
 };
 
 // Fixed meetings first: parallel, overlapping and concentric ones report
@@ -246,10 +196,9 @@ TEST_F(Poly, PolygonAreaIsTheShoelaceArea)
         std::sort(angles.begin(), angles.end()); // star-shaped about the offset
         const double ox = offset(rng), oy = offset(rng);
         Pts v; // whole numbers about the offset, so that the sum is exact
-        double twice = 0, r;
+        double r;
         for (double a : angles) v.push_back({std::round((r = radius(rng)) * std::cos(a)), std::round(r * std::sin(a))});
-        for (size_t j = 0; j < v.size(); ++j)
-            twice += v[j].x * v[(j + 1) % v.size()].y - v[(j + 1) % v.size()].x * v[j].y;
+        const double twice = ShoelaceTwice(v);
         for (WorldPoint& p : v) p = {p.x + ox, p.y + oy};
         EXPECT_EQ(control.GetShapeArea(Path(bvxPolygon, v)), std::fabs(twice) / 2) << i;
         EXPECT_EQ(control.GetShapeArea(Path(i % 2 ? bvxPolyline : bvxClosedSpline, v)), 0.0);
@@ -278,10 +227,11 @@ TEST_F(Poly, HitTestsFollowTheOutlineOverAGrid)
     for (const auto& [type, given] : shapes) {
         const int32_t n = Path(type, given);
         const Pts held = Points(n);
-        std::vector<DevicePoint> path, corners;
+        Pts path;
+        std::vector<DevicePoint> corners;
         for (WorldPoint p : type >= bvxSpline ? SplineSamples(held, type == bvxClosedSpline, 20, 20) : held)
-            path.push_back(control.View().World.WorldToDevice(p));
-        for (WorldPoint p : held) corners.push_back(control.View().World.WorldToDevice(p));
+            path.push_back(Exact(View().World.WorldToDevice(p)));
+        for (WorldPoint p : held) corners.push_back(View().World.WorldToDevice(p));
         // The stored box of the points, grown by 3, without its right and bottom edges.
         const auto [left, right] = std::minmax_element(corners.begin(), corners.end(),
                                                        [](auto a, auto b) { return a.x < b.x; });
@@ -291,14 +241,13 @@ TEST_F(Poly, HitTestsFollowTheOutlineOverAGrid)
         for (int y = 0; y <= 100; ++y)
             for (int x = 0; x <= 100; ++x) {
                 bool near = false;
-                const double gap = Nearest(path, type == bvxPolygon, {x, y}, near);
+                const double gap = Nearest(path, type == bvxPolygon, {double(x), double(y)}, near);
                 near &= x >= left->x - 3 && x < right->x + 3 && y >= top->y - 3 && y < bottom->y + 3;
                 const int32_t hit = control.ShapeHitTest(x, 100 - y, 0);
                 if (near || gap > 5) {
                     EXPECT_EQ(hit, near ? n : -1) << type << " at " << x << "," << y;
                 }
-                sure += near;
-                clear += gap > 5;
+                sure += near, clear += gap > 5;
             }
         EXPECT_TRUE(sure > 100 && clear > 3000) << type;
         control.ShapeDelete(n);
@@ -336,9 +285,8 @@ TEST_F(Poly, ConversionsKeepTheNumberAndTellNothing)
     const Pts four{{10, 10}, {30, 40}, {60, 20}, {90, 60}}, rect{{10, 20}, {40, 80}}, round{{50, 50}, {20, 20}};
     const Pts oval{{50, 50}, {30, 15}}, quarter{{80, 50}, {68, 74}, {50, 80}}, half{{20, 50}, {50, 80}, {80, 50}};
     auto ring = [](double rx, double ry, double step, int n, double last = -1) {
-        Pts p;
-        for (int i = 0; i < n; ++i) p.push_back({50 + rx * std::cos(i * step), 50 + ry * std::sin(i * step)});
-        if (last >= 0) p.push_back({50 + rx * std::cos(last), 50 + ry * std::sin(last)});
+        Pts p = EllipseSamples({50, 50}, rx, ry, n, step);
+        if (last >= 0) p.push_back(EllipseSamples({50, 50}, rx, ry, 2, last)[1]);
         return p;
     };
     const std::map<int16_t, const Pts*> sources{{bvxRectangle, &rect},   {bvxLine, &rect},         {bvxCircle, &round},
@@ -420,4 +368,4 @@ TEST_F(Poly, ConversionsKeepTheNumberAndTellNothing)
 }
 
 } // namespace
-} // namespace bvx
+} // namespace bvx::shapetest

@@ -1,87 +1,57 @@
-#include "world/Rounding.h"
+#include "ShapeTestSupport.h"
 #include "control/ViewFixture.h"
 #include "platform/raster/RasterDeviceContext.h"
+#include "world/Rounding.h"
 
-#include <cmath>
 #include <limits>
-#include <numbers>
+#include <tuple>
 
-namespace bvx {
+namespace bvx::shapetest {
 namespace {
 
-using Shapes = testing::ViewFixture;
+using Shapes = bvx::testing::ViewFixture;
+using std::pair, std::tuple;
 
 TEST_F(Shapes, ZeroSizeShapesStillHaveOnePixelBounds)
 {
     auto* dot = AddRect(30, 30, 30, 30);
-    EXPECT_EQ(dot->GetArea(), 0.0);
-    DeviceRect b = dot->BoundsAsRect();
-    EXPECT_EQ(b.right - b.left, 1);
-    EXPECT_EQ(b.bottom - b.top, 1);
-    auto* flat = AddEllipse(50, 50, 0, 0, 1, bvxCircle);
-    EXPECT_FALSE(flat->BoundsAsRect().IsEmpty());
+    const DeviceRect b = dot->BoundsAsRect();
+    EXPECT_EQ(tuple(dot->GetArea(), b.right - b.left, b.bottom - b.top), tuple(0.0, 1, 1));
+    EXPECT_FALSE(AddEllipse(50, 50, 0, 0, 1, bvxCircle)->BoundsAsRect().IsEmpty());
 }
 
 TEST_F(Shapes, BoundsWrapInSixteenBitsAndBadNumbersDoNotTrap)
 {
     auto* huge = AddRect(0, 0, 40000, 10);
     EXPECT_LT(huge->Bounds.right, 0); // 40000 wraps in 16 bits
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double inf = std::numeric_limits<double>::infinity();
-    auto* bad = AddRect(nan, inf, -inf, 1e300);
-    auto* badEllipse = AddEllipse(nan, 5, inf, nan);
+    const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
     auto bitmap = CreateBitmap(101, 101);
     RasterDeviceContext dc(bitmap);
-    for (CObjShape* s : std::initializer_list<CObjShape*>{huge, bad, badEllipse}) {
+    const std::initializer_list<CObjShape*> shapes{huge, AddRect(nan, inf, -inf, 1e300), AddEllipse(nan, 5, inf, nan)};
+    for (CObjShape* s : shapes) {
         s->Draw(dc, {0, 0, 101, 101}, view, 0);
-        (void)s->HitTest({5, 5}, view);
-        (void)s->HandleFromPoint({5, 5}, view);
-        (void)s->HitHandle({5, 5}, 1, view);
+        (void)s->HitTest({5, 5}, view), (void)s->HandleFromPoint({5, 5}, view), (void)s->HitHandle({5, 5}, 1, view);
         s->MoveHandle(1, {nan, nan}, view);
         (void)s->GetArea();
     }
 }
 
-// Distance of a point to the outline of an upright ellipse, by dense sampling.
-double DistanceToEllipse(double cx, double cy, double rx, double ry, double x, double y)
-{
-    double best = 1e9;
-    for (int i = 0; i < 2000; ++i) {
-        double a = i * 2 * std::numbers::pi / 2000;
-        best = std::min(best, std::hypot(cx + rx * std::cos(a) - x, cy + ry * std::sin(a) - y));
-    }
-    return best;
-}
-
-bool InsideEllipse(double cx, double cy, double rx, double ry, double x, double y)
-{
-    double u = (x - cx) / rx, v = (y - cy) / ry;
-    return u * u + v * v < 1;
-}
-
-// Over a grid of device points: on the border method, a point within 2
-// pixels of the outline always hits and one 9 or more away never does; on
-// the inside method, the inside hits and the outside beyond 2 pixels not.
+// Over a grid of device points (world and device coincide up to the y flip): on the border method, a point within 2
+// pixels of the outline always hits and one 9 or more away never does; on the inside method, the inside hits and the
+// outside beyond 2 pixels not.
 TEST_F(Shapes, EllipseHitTestFollowsTheTrueOutline)
 {
-    // World and device coincide up to the y flip at scale 1.
     auto* e = AddEllipse(50, 50, 30, 18);
-    const double cx = 50, cy = 50; // device centre
-    for (int method = 0; method < 2; ++method) {
-        e->SetSearchMethod(int16_t(method));
-        int checked = 0;
+    const Pts outline = EllipseSamples({50, 50}, 30, 18, 2000);
+    for (int16_t method : {0, 1}) {
+        e->SetSearchMethod(method);
         for (int y = 20; y <= 80; y += 2)
             for (int x = 10; x <= 90; x += 2) {
-                double d = DistanceToEllipse(cx, cy, 30, 18, x, y);
-                bool inside = InsideEllipse(cx, cy, 30, 18, x, y);
-                bool hit = e->HitTest({x, y}, view) != 0;
-                if (method == 0)
-                    EXPECT_TRUE((d > 2 || hit) && (d < 9 || !hit)) << x << "," << y;
-                else
-                    EXPECT_TRUE((!inside || d < 2 || hit) && (inside || d < 2 || !hit)) << x << "," << y;
-                ++checked;
+                const double d = ToNearest(outline, {double(x), double(y)});
+                const bool inside = std::pow((x - 50) / 30.0, 2) + std::pow((y - 50) / 18.0, 2) < 1;
+                const bool hit = e->HitTest({x, y}, view) != 0;
+                EXPECT_TRUE(method == 0 ? (d > 2 || hit) && (d < 9 || !hit) : d < 2 || hit == inside) << x << "," << y;
             }
-        EXPECT_GT(checked, 1000);
     }
 }
 
@@ -90,12 +60,11 @@ TEST_F(Shapes, RectangleHitTestUsesTheViewTolerance)
     auto* r = AddRect(20, 80, 70, 30); // device 20..70 by 20..70
     for (int y = 0; y <= 100; y += 1)
         for (int x = 0; x <= 100; x += 1) {
-            double dx = std::max({20.0 - x, 0.0, x - 70.0}), dy = std::max({20.0 - y, 0.0, y - 70.0});
-            bool inside = dx == 0 && dy == 0;
-            double toEdge = inside ? std::min({x - 20.0, 70.0 - x, y - 20.0, 70.0 - y}) : std::hypot(dx, dy);
-            bool hit = r->HitTest({x, y}, view) != 0;
-            EXPECT_TRUE(toEdge > 2 || hit) << x << "," << y;
-            EXPECT_TRUE(toEdge < 8 || !hit) << x << "," << y;
+            const double dx = std::max({20.0 - x, 0.0, x - 70.0}), dy = std::max({20.0 - y, 0.0, y - 70.0});
+            const double toEdge = dx == 0 && dy == 0 ? std::min({x - 20.0, 70.0 - x, y - 20.0, 70.0 - y})
+                                                     : std::hypot(dx, dy);
+            const bool hit = r->HitTest({x, y}, view) != 0;
+            EXPECT_TRUE((toEdge > 2 || hit) && (toEdge < 8 || !hit)) << x << "," << y;
         }
     view.HitTolerance = 10;
     EXPECT_TRUE(r->HitTest({12, 40}, view));
@@ -106,73 +75,55 @@ TEST_F(Shapes, RectangleHitTestUsesTheViewTolerance)
 TEST_F(Shapes, LinesAreHitAlongTheirLength)
 {
     auto* line = AddRect(10, 90, 90, 50, 1, bvxLine); // device (10,10) to (90,50)
-    EXPECT_TRUE(line->HitTest({50, 30}, view));
-    EXPECT_TRUE(line->HitTest({50, 32}, view));
-    EXPECT_FALSE(line->HitTest({50, 40}, view));
-    EXPECT_FALSE(line->HitTest({95, 52}, view));
+    for (auto [point, hit] : {pair{DevicePoint{50, 30}, true}, {{50, 32}, true}, {{50, 40}, false}, {{95, 52}, false}})
+        EXPECT_EQ(line->HitTest(point, view) != 0, hit) << point.x << "," << point.y;
 }
 
 TEST(HitSegment, BorderAndCrossingModes)
 {
-    // Vertical, horizontal, steep and shallow segments.
-    EXPECT_TRUE(HitSegment({10, 0}, {10, 20}, {12, 10}, 0));
-    EXPECT_FALSE(HitSegment({10, 0}, {10, 20}, {14, 10}, 0));
-    EXPECT_TRUE(HitSegment({0, 5}, {20, 5}, {10, 8}, 0));
-    EXPECT_FALSE(HitSegment({0, 5}, {20, 5}, {25, 5}, 0));
-    EXPECT_TRUE(HitSegment({0, 0}, {10, 40}, {5, 20}, 0));
-    EXPECT_FALSE(HitSegment({0, 0}, {10, 40}, {12, 20}, 0));
-    EXPECT_TRUE(HitSegment({0, 0}, {40, 10}, {20, 5}, 0));
-    EXPECT_FALSE(HitSegment({0, 0}, {40, 10}, {20, 12}, 0));
-    // Order of the ends does not matter.
-    EXPECT_EQ(HitSegment({40, 10}, {0, 0}, {20, 5}, 0), HitSegment({0, 0}, {40, 10}, {20, 5}, 0));
-    // Crossing: a point right of the segment sees it on its left.
-    EXPECT_TRUE(HitSegment({10, 0}, {10, 20}, {15, 10}, 1));
-    EXPECT_FALSE(HitSegment({10, 0}, {10, 20}, {5, 10}, 1));
-    EXPECT_FALSE(HitSegment({10, 0}, {10, 20}, {15, 20}, 1)); // the lower end is open
-    // Extreme ends answer like any other diagonal.
-    EXPECT_TRUE(HitSegment({INT32_MIN, INT32_MIN}, {INT32_MAX, INT32_MAX}, {1, 1}, 0));
-    EXPECT_FALSE(HitSegment({INT32_MIN, INT32_MIN}, {INT32_MAX, INT32_MAX}, {100, 0}, 0));
+    constexpr int32_t lo = INT32_MIN, hi = INT32_MAX;
+    const tuple<DevicePoint, DevicePoint, DevicePoint, int32_t, bool> rows[] = {
+        // Vertical, horizontal, steep and shallow segments; extreme ends answer like any other diagonal.
+        {{10, 0}, {10, 20}, {12, 10}, 0, true}, {{10, 0}, {10, 20}, {14, 10}, 0, false},
+        {{0, 5}, {20, 5}, {10, 8}, 0, true},    {{0, 5}, {20, 5}, {25, 5}, 0, false},
+        {{0, 0}, {10, 40}, {5, 20}, 0, true},   {{0, 0}, {10, 40}, {12, 20}, 0, false},
+        {{0, 0}, {40, 10}, {20, 5}, 0, true},   {{0, 0}, {40, 10}, {20, 12}, 0, false},
+        {{lo, lo}, {hi, hi}, {1, 1}, 0, true},  {{lo, lo}, {hi, hi}, {100, 0}, 0, false},
+        // Crossing: a point right of the segment sees it on its left; the lower end is open.
+        {{10, 0}, {10, 20}, {15, 10}, 1, true}, {{10, 0}, {10, 20}, {5, 10}, 1, false},
+        {{10, 0}, {10, 20}, {15, 20}, 1, false},
+    };
+    for (const auto& [a, b, p, mode, hit] : rows) {
+        EXPECT_EQ(HitSegment(a, b, p, mode), hit) << a.x << "," << a.y << " " << p.x << "," << p.y << " mode " << mode;
+        if (mode == 0) { // the order of the ends is free
+            EXPECT_EQ(HitSegment(b, a, p, mode), hit) << "ends swapped";
+        }
+    }
 }
 
 TEST_F(Shapes, RectangleHandlesAndPoints)
 {
     auto* r = AddRect(10, 20, 50, 80);
-    EXPECT_EQ(r->GetHandleCount(), 8);
-    EXPECT_EQ(r->GetHandlePoint(2, view), (WorldPoint{30, 20}));
-    EXPECT_EQ(r->GetHandlePoint(4, view), (WorldPoint{50, 50}));
-    EXPECT_EQ(r->GetHandlePoint(7, view), (WorldPoint{10, 80}));
-    EXPECT_EQ(r->HandleToPoint(5), 1);
-    EXPECT_EQ(r->HandleToPoint(3), -1);
-    EXPECT_EQ(r->GetPointCount(), 2);
-    EXPECT_EQ(r->GetPoint(2, view), (WorldPoint{}));
-
     auto* line = AddRect(0, 0, 10, 10, 1, bvxLine);
-    EXPECT_EQ(line->GetHandleCount(), 2);
-    EXPECT_EQ(line->GetHandlePoint(2, view), (WorldPoint{10, 10}));
-    EXPECT_EQ(line->HandleToPoint(2), 1);
-    EXPECT_EQ(line->GetPointCount(), 2);
-
     auto* round = AddRect(0, 0, 40, 20, 1, bvxRoundRectangle);
-    EXPECT_EQ(round->GetHandleCount(), 9);
-    EXPECT_EQ(round->GetPointCount(), 3);
-    EXPECT_EQ(round->HandleToPoint(9), 2);
+    for (auto [s, handles, points] : {tuple{r, 8, 2}, {line, 2, 2}, {round, 9, 3}})
+        EXPECT_EQ(pair(s->GetHandleCount(), int(s->GetPointCount())), pair(handles, points)) << handles;
+    for (auto [s, h, at] : {tuple{r, 2, WorldPoint{30, 20}}, {r, 4, {50, 50}}, {r, 7, {10, 80}}, {line, 2, {10, 10}}})
+        EXPECT_EQ(s->GetHandlePoint(h, view), at) << h;
+    for (auto [s, h, point] : {tuple{r, 5, 1}, {r, 3, -1}, {line, 2, 1}, {round, 9, 2}})
+        EXPECT_EQ(s->HandleToPoint(h), point) << h;
+    EXPECT_EQ(r->GetPoint(2, view), (WorldPoint{}));
 }
 
 TEST_F(Shapes, PressOnTheBodyPicksAHandleByGrid)
 {
     auto* r = AddRect(20, 80, 80, 20); // device 20..80 both ways, p1 top left
-    EXPECT_EQ(r->HandleFromPoint({22, 22}, view), 1);
-    EXPECT_EQ(r->HandleFromPoint({50, 22}, view), 2);
-    EXPECT_EQ(r->HandleFromPoint({78, 22}, view), 3);
-    EXPECT_EQ(r->HandleFromPoint({78, 50}, view), 4);
-    EXPECT_EQ(r->HandleFromPoint({78, 78}, view), 5);
-    EXPECT_EQ(r->HandleFromPoint({50, 50}, view), 9);
-    // Flipped corners flip the grid with them.
-    auto* flipped = AddRect(80, 20, 20, 80);
-    EXPECT_EQ(flipped->HandleFromPoint({78, 78}, view), 1);
+    auto* flipped = AddRect(80, 20, 20, 80); // flipped corners flip the grid with them
     auto* line = AddRect(10, 50, 90, 50, 1, bvxLine);
-    EXPECT_EQ(line->HandleFromPoint({20, 50}, view), 1);
-    EXPECT_EQ(line->HandleFromPoint({80, 50}, view), 2);
+    for (auto [s, at, handle] : {tuple{r, DevicePoint{22, 22}, 1}, {r, {50, 22}, 2}, {r, {78, 22}, 3}, {r, {78, 50}, 4},
+                                 {r, {78, 78}, 5}, {r, {50, 50}, 9}, {flipped, {78, 78}, 1}, {line, {20, 50}, 1},
+                                 {line, {80, 50}, 2}})
+        EXPECT_EQ(s->HandleFromPoint(at, view), handle) << at.x << "," << at.y;
     EXPECT_EQ(r->NearestPoint({70, 70}, view), 1);
 }
 
@@ -180,23 +131,18 @@ TEST_F(Shapes, DraggingHandlesMovesTheirCoordinates)
 {
     auto* r = AddRect(10, 10, 50, 50);
     r->MoveHandle(3, {60, 5}, view);
-    EXPECT_EQ(r->P2.x, 60);
-    EXPECT_EQ(r->P1.y, 5);
+    EXPECT_EQ(pair(r->P2.x, r->P1.y), pair(60.0, 5.0));
     r->MoveHandle(5, {70, 70}, view);
     EXPECT_DOUBLE_EQ(view.ReadoutDistance, Distance(r->P1, r->P2));
     EXPECT_GT(view.ReadoutAngle, 0);
     r->MoveHandle(42, {1, 2}, view); // unknown handles move the first corner
     EXPECT_EQ(r->P1, (WorldPoint{1, 2}));
-
     auto* round = AddRect(0, 0, 40, 20, 1, bvxRoundRectangle);
-    round->MoveHandle(9, {-100, -100}, view); // past the middle: stops there
-    EXPECT_DOUBLE_EQ(round->Radius.x, 40);
-    EXPECT_DOUBLE_EQ(round->Radius.y, -20); // the y sign of the world
-
+    round->MoveHandle(9, {-100, -100}, view); // past the middle: stops there, with the y sign of the world
+    EXPECT_EQ(round->Radius, (WorldPoint{40, -20}));
     auto* twoPoint = AddRect(10, 10, 30, 20, 1, bvx2PointEllipse);
     twoPoint->MoveHandle(9, {2, 3}, view);
-    EXPECT_EQ(twoPoint->P1, (WorldPoint{8, 13}));
-    EXPECT_EQ(twoPoint->P2, (WorldPoint{32, 17}));
+    EXPECT_EQ(pair(twoPoint->P1, twoPoint->P2), pair(WorldPoint{8, 13}, WorldPoint{32, 17}));
 }
 
 TEST_F(Shapes, OrthogonalDrawingSnapsLinesToAnAxis)
@@ -215,47 +161,33 @@ TEST_F(Shapes, OrthogonalDrawingSnapsLinesToAnAxis)
 TEST_F(Shapes, TransformsMoveCornersAndCentres)
 {
     auto* r = AddRect(40, 45, 60, 55);
-    TransformRequest turn;
-    turn.mode = TransformBits::Rotate;
-    turn.angleDegrees = 90;
-    turn.pivotX = 50;
-    turn.pivotY = 50;
+    TransformRequest turn, scale;
+    turn.mode = TransformBits::Rotate, turn.angleDegrees = 90, turn.pivotX = 50, turn.pivotY = 50;
     r->Transform(view.World.BuildTransform(turn), view);
     EXPECT_NEAR(std::fabs(r->P2.x - r->P1.x), 10, 1e-6);
     EXPECT_NEAR(std::fabs(r->P2.y - r->P1.y), 20, 1e-6);
-
     auto* ellipse = AddEllipse(10, 10, 20, 8);
     ellipse->Transform(view.World.BuildTransform(turn), view);
     EXPECT_NEAR(ellipse->RadiusX, 0, 1e-6); // m[0] is the cosine: no turn for ellipses
     auto* circle = AddEllipse(10, 10, 5, 99, 1, bvxCircle);
     EXPECT_EQ(circle->RadiusY, 5); // a circle takes x for both
-    TransformRequest scale;
-    scale.mode = TransformBits::Scale;
-    scale.scaleX = scale.scaleY = 3;
+    scale.mode = TransformBits::Scale, scale.scaleX = scale.scaleY = 3;
     circle->Transform(view.World.BuildTransform(scale), view);
-    EXPECT_EQ(circle->Centre, (WorldPoint{30, 30}));
-    EXPECT_EQ(circle->RadiusX, 5);
+    EXPECT_EQ(pair(circle->Centre, circle->RadiusX), pair(WorldPoint{30, 30}, 5.0));
 }
 
 TEST_F(Shapes, ConversionsAmongRectanglesAndEllipses)
 {
     auto* twoPoint = AddRect(10, 10, 30, 20, 1, bvx2PointEllipse);
-    CEllipseShape ellipse;
+    CEllipseShape ellipse, fromCircle;
     ASSERT_TRUE(twoPoint->ConvertTo(bvxEllipse, &ellipse, 0, 0, &view));
-    EXPECT_EQ(ellipse.Centre, (WorldPoint{20, 15}));
-    EXPECT_EQ(ellipse.RadiusX, 10);
-    EXPECT_EQ(ellipse.RadiusY, 5);
-    auto* thin = AddRect(10, 10, 10, 20, 1, bvx2PointEllipse);
-    EXPECT_FALSE(thin->ConvertTo(bvxEllipse, &ellipse, 0, 0, &view));
+    EXPECT_EQ(tuple(ellipse.Centre, ellipse.RadiusX, ellipse.RadiusY), tuple(WorldPoint{20, 15}, 10.0, 5.0));
+    EXPECT_FALSE(AddRect(10, 10, 10, 20, 1, bvx2PointEllipse)->ConvertTo(bvxEllipse, &ellipse, 0, 0, &view)); // thin
     EXPECT_FALSE(twoPoint->ConvertTo(bvxEllipse, nullptr, 0, 0, &view));
-
     CRectShape rect;
     ASSERT_TRUE(ellipse.ConvertTo(bvx2PointEllipse, &rect, 0, 0, &view));
-    EXPECT_EQ(rect.P1, (WorldPoint{10, 10}));
-    EXPECT_EQ(rect.GetShapeType(), bvx2PointEllipse);
-    auto* circle = AddEllipse(0, 0, 4, 4, 1, bvxCircle);
-    CEllipseShape fromCircle;
-    ASSERT_TRUE(circle->ConvertTo(bvxEllipse, &fromCircle, 0, 0, &view));
+    EXPECT_EQ(pair(rect.P1, int(rect.GetShapeType())), pair(WorldPoint{10, 10}, int(bvx2PointEllipse)));
+    ASSERT_TRUE(AddEllipse(0, 0, 4, 4, 1, bvxCircle)->ConvertTo(bvxEllipse, &fromCircle, 0, 0, &view));
     EXPECT_EQ(fromCircle.RadiusY, 4);
     EXPECT_FALSE(ellipse.ConvertTo(bvxEllipse, &fromCircle, 0, 0, &view)); // only a circle becomes an ellipse
 }
@@ -264,11 +196,9 @@ TEST_F(Shapes, EllipseHandlesSwapWithTheWorldsYDirection)
 {
     auto* e = AddEllipse(50, 50, 20, 10);
     EXPECT_LT(Device(0, 0).y, 101);
-    DevicePoint top = view.World.WorldToDevice(e->GetHandlePoint(1, view));
-    EXPECT_LT(top.y, 50); // y up: handle 1 is above the centre on screen
+    EXPECT_LT(view.World.WorldToDevice(e->GetHandlePoint(1, view)).y, 50); // y up: handle 1 is above the centre
     view.World.SetWorld(0, 0, 100, 100, 0);
-    top = view.World.WorldToDevice(e->GetHandlePoint(1, view));
-    EXPECT_GT(top.y, 50);
+    EXPECT_GT(view.World.WorldToDevice(e->GetHandlePoint(1, view)).y, 50);
     e->UpdateBounds(view);
     sink.events.clear();
     e->MoveHandle(2, {80, 50}, view);
@@ -281,53 +211,40 @@ TEST_F(Shapes, EllipseHandlesSwapWithTheWorldsYDirection)
 
 TEST(ShapeGeometry, AngleHelpers)
 {
-    EXPECT_EQ(AngleTenths(0, 0), 0);
-    EXPECT_EQ(AngleTenths(0, -5), 2700);
-    EXPECT_EQ(AngleTenths(-3, 0), 1800);
-    EXPECT_EQ(AngleTenths(10, 10), 450);
-    EXPECT_EQ(AngleTenths(-10, -10), 2250);
-    EXPECT_EQ(AngleTenths(-10, 10), 1350);
-    EXPECT_EQ(AngleTenths(10, -10), 3150);
+    for (auto [dx, dy, tenths] : {tuple{0, 0, 0}, {0, -5, 2700}, {-3, 0, 1800}, {10, 10, 450}, {-10, -10, 2250},
+                                  {-10, 10, 1350}, {10, -10, 3150}})
+        EXPECT_EQ(AngleTenths(dx, dy), tenths) << dx << "," << dy;
     DevicePoint p[] = {{20, 0}};
     RotateDevicePoints(p, 900, {0, 0});
     EXPECT_EQ(p[0], (DevicePoint{0, -20})); // a quarter turn counter-clockwise on screen
-
     CadWorld w;
     w.SetClientRect({0, 0, 101, 101});
-    EXPECT_NEAR(WorldAngle(w, {0, 0}, {0, 10}), std::numbers::pi / 2, 1e-12);
+    EXPECT_NEAR(WorldAngle(w, {0, 0}, {0, 10}), kPi / 2, 1e-12);
     EXPECT_EQ(WorldAngle(w, {0, 0}, {10, 0}), 0);
-    EXPECT_TRUE(IsOnAxis({0, 0}, {5, 5}));
-    EXPECT_FALSE(IsOnAxis({0, 0}, {5, 6}));
+    EXPECT_TRUE(IsOnAxis({0, 0}, {5, 5}) && !IsOnAxis({0, 0}, {5, 6}));
 }
 
 TEST(ShapeGeometry, PolarAndEccentricPointsDifferOffTheAxes)
 {
-    WorldPoint polar = PolarPoint({0, 0}, 2, 1, std::numbers::pi / 4);
-    WorldPoint eccentric = EllipsePoint({0, 0}, 2, 1, std::numbers::pi / 4);
+    const WorldPoint polar = PolarPoint({0, 0}, 2, 1, kPi / 4), eccentric = EllipsePoint({0, 0}, 2, 1, kPi / 4);
     EXPECT_NEAR(polar.x, polar.y, 1e-12); // on the 45-degree ray
-    EXPECT_NEAR(eccentric.x, 2 * std::cos(std::numbers::pi / 4), 1e-12);
+    EXPECT_NEAR(eccentric.x, 2 * std::cos(kPi / 4), 1e-12);
     EXPECT_EQ(PolarPoint({1, 1}, 0, 0, 1), (WorldPoint{}));
 }
 
 TEST(ShapeAttrRecord, FieldsKeepTheirWidthsAndSpareBits)
 {
     ShapeAttr a = ShapeAttr::Default();
-    EXPECT_EQ(a.PenBack(), 22u);
-    EXPECT_EQ(a.BrushBg(), 22u);
-    EXPECT_EQ(a.PenWidth(), 1u);
+    EXPECT_EQ(tuple(a.PenBack(), a.BrushBg(), a.PenWidth()), tuple(22u, 22u, 1u));
     a.SetBrushBg(33); // five bits: wraps
-    EXPECT_EQ(a.BrushBg(), 1u);
     a.SetPenWidth(17);
-    EXPECT_EQ(a.PenWidth(), 1u);
     a.SetBrushFg(255);
-    EXPECT_EQ(a.BrushFg(), 255u);
-    EXPECT_EQ(a.PenColor(), 0u);
+    EXPECT_EQ(tuple(a.BrushBg(), a.PenWidth(), a.BrushFg(), a.PenColor()), tuple(1u, 1u, 255u, 0u));
     ShapeAttr withSpare = ShapeAttr::FromWords(0xE0000000u, 0xFFFFFE00u);
     withSpare.CopyFieldsFrom(a);
-    EXPECT_EQ(withSpare.Word0() & 0xE0000000u, 0xE0000000u);
-    EXPECT_EQ(withSpare.Word1() & 0xFFFFFE00u, 0xFFFFFE00u);
-    EXPECT_EQ(withSpare.BrushFg(), 255u);
+    EXPECT_EQ(tuple(withSpare.Word0() & 0xE0000000u, withSpare.Word1() & 0xFFFFFE00u, withSpare.BrushFg()),
+              tuple(0xE0000000u, 0xFFFFFE00u, 255u));
 }
 
 } // namespace
-} // namespace bvx
+} // namespace bvx::shapetest
