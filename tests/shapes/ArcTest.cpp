@@ -12,11 +12,7 @@ namespace bvx::shapetest {
 namespace {
 
 double ScreenAngle(DevicePoint c, WorldPoint p) { return std::atan2(c.y - p.y, p.x - c.x); }
-// A box grown point by point, and a rectangle's box from corners in either order.
-struct Box {
-    double l = 1e300, t = 1e300, r = -1e300, b = -1e300;
-    void Take(WorldPoint p) { l = std::min(l, p.x), t = std::min(t, p.y), r = std::max(r, p.x), b = std::max(b, p.y); }
-};
+// A rectangle's box from corners in either order.
 template <typename Rect> Box Of(const Rect& r)
 {
     return {double(std::min(r.left, r.right)), double(std::min(r.top, r.bottom)), double(std::max(r.left, r.right)),

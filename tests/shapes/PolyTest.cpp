@@ -228,21 +228,16 @@ TEST_F(Poly, HitTestsFollowTheOutlineOverAGrid)
         const int32_t n = Path(type, given);
         const Pts held = Points(n);
         Pts path;
-        std::vector<DevicePoint> corners;
         for (WorldPoint p : type >= bvxSpline ? SplineSamples(held, type == bvxClosedSpline, 20, 20) : held)
             path.push_back(Exact(View().World.WorldToDevice(p)));
-        for (WorldPoint p : held) corners.push_back(View().World.WorldToDevice(p));
-        // The stored box of the points, grown by 3, without its right and bottom edges.
-        const auto [left, right] = std::minmax_element(corners.begin(), corners.end(),
-                                                       [](auto a, auto b) { return a.x < b.x; });
-        const auto [top, bottom] = std::minmax_element(corners.begin(), corners.end(),
-                                                       [](auto a, auto b) { return a.y < b.y; });
+        Box box; // the stored box of the points in pixels, grown by 3, without its right and bottom edges
+        for (WorldPoint p : held) box.Take(Exact(View().World.WorldToDevice(p)));
         int sure = 0, clear = 0;
         for (int y = 0; y <= 100; ++y)
             for (int x = 0; x <= 100; ++x) {
                 bool near = false;
                 const double gap = Nearest(path, type == bvxPolygon, {double(x), double(y)}, near);
-                near &= x >= left->x - 3 && x < right->x + 3 && y >= top->y - 3 && y < bottom->y + 3;
+                near &= x >= box.l - 3 && x < box.r + 3 && y >= box.t - 3 && y < box.b + 3;
                 const int32_t hit = control.ShapeHitTest(x, 100 - y, 0);
                 if (near || gap > 5) {
                     EXPECT_EQ(hit, near ? n : -1) << type << " at " << x << "," << y;

@@ -45,6 +45,12 @@ inline std::vector<Segment> Edges(const Pts& p, bool closed)
 }
 inline WorldPoint Exact(DevicePoint p) { return {double(p.x), double(p.y)}; }
 
+// A box grown point by point.
+struct Box {
+    double l = 1e300, t = 1e300, r = -1e300, b = -1e300;
+    void Take(WorldPoint p) { l = std::min(l, p.x), t = std::min(t, p.y), r = std::max(r, p.x), b = std::max(b, p.y); }
+};
+
 // `n` points of an upright ellipse `step` apart in the eccentric angle, from angle 0 (a whole turn by default).
 inline Pts EllipseSamples(WorldPoint c, double rx, double ry, int n, double step = 0)
 {
