@@ -1,17 +1,11 @@
 #include "control/ViewFixture.h"
 
+#include <array>
+
 namespace bvx {
 namespace {
 
-using testing::ViewFixture;
-using Buf = ViewFixture;
-
-std::vector<int32_t> Numbers(const CadLayer& layer)
-{
-    std::vector<int32_t> n;
-    for (const auto& s : layer.Shapes) n.push_back(s->Number);
-    return n;
-}
+using Buf = testing::ViewFixture;
 
 TEST_F(Buf, RemovingALayerForgetsItsShapesAndKeepsOthersReachable)
 {
@@ -46,7 +40,7 @@ TEST_F(Buf, CopyLayerClonesShapesAndTakesTheSourceName)
     ASSERT_EQ(view.Buf.Layers.size(), 3u);
     CadLayer& copy = *view.Buf.Layers[2];
     EXPECT_EQ(copy.Name, u"Layer 1");
-    EXPECT_EQ(Numbers(copy), (std::vector<int32_t>{3, 4}));
+    EXPECT_EQ(testing::ShapeNumbers(view.Buf, 2), (std::vector<int32_t>{3, 4}));
     EXPECT_EQ(copy.GetSearchMethod(1), 1);
     EXPECT_EQ(copy.GetSearchMethod(14), 0); // 14, 15 and 19 are not copied
     EXPECT_EQ(copy.LineType, 2);
@@ -54,8 +48,9 @@ TEST_F(Buf, CopyLayerClonesShapesAndTakesTheSourceName)
     EXPECT_EQ(copy.Shapes[0]->Layer, 2);
     // Copying onto an existing layer empties it first.
     ASSERT_TRUE(view.Buf.CopyLayer(1, 2, false, view));
-    EXPECT_EQ(Numbers(*view.Buf.Layers[2]), (std::vector<int32_t>{5, 6}));
+    EXPECT_EQ(testing::ShapeNumbers(view.Buf, 2), (std::vector<int32_t>{5, 6}));
     EXPECT_EQ(view.Buf.FindShape(3), nullptr);
+    EXPECT_EQ(testing::DrawingInconsistency(view), "");
 }
 
 TEST_F(Buf, SelectionRules)
@@ -147,12 +142,11 @@ TEST_F(Buf, ClearAllEmptiesEverythingUntilReset)
 TEST_F(Buf, SearchMethodTableRefusesTypesWithoutAnInside)
 {
     CadLayer& layer = *view.Buf.Layers[1];
-    layer.SetSearchMethod(3, 1);
-    EXPECT_EQ(layer.GetSearchMethod(3), 0);
-    layer.SetSearchMethod(1, 5);
-    EXPECT_EQ(layer.GetSearchMethod(1), 1); // low two bits
-    layer.SetSearchMethod(21, 1);
-    EXPECT_EQ(layer.GetSearchMethod(21), 0);
+    // Types 3 and 21 have no inside; of the value only the low two bits count.
+    for (auto [type, set, got] : {std::array{3, 1, 0}, {1, 5, 1}, {21, 1, 0}}) {
+        layer.SetSearchMethod(type, set);
+        EXPECT_EQ(layer.GetSearchMethod(type), got) << type;
+    }
     // A new shape takes its type's entry from its layer; a line never does.
     layer.SetSearchMethod(20, 1);
     EXPECT_EQ(AddEllipse(5, 5, 2, 2)->GetSearchMethod(), 1);

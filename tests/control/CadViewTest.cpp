@@ -3,8 +3,6 @@
 namespace bvx {
 namespace {
 
-using testing::RecordingEventSink;
-using testing::RecordingHostWindow;
 using View = testing::ViewFixture;
 
 TEST(CadViewHeadless, RunsWithoutWindowOrSink)
@@ -26,13 +24,10 @@ TEST(CadViewHeadless, RunsWithoutWindowOrSink)
 TEST_F(View, ColourTableStartsWithTwentyThreeColoursAndGrows)
 {
     EXPECT_EQ(view.Colors().size(), 23u);
-    EXPECT_EQ(view.ColorOf(0), 0x000000u);
-    EXPECT_EQ(view.ColorOf(22), 0xFFFFFFu);
-    EXPECT_EQ(view.ColorOf(18), 0xFF0000u);
+    for (auto [index, colour] : {std::pair{0, 0x000000u}, {22, 0xFFFFFFu}, {18, 0xFF0000u}, {99, 0x000000u}})
+        EXPECT_EQ(view.ColorOf(index), colour) << index; // out of range reads entry 0
     EXPECT_EQ(view.ColorIndex(0x00FF00), 17);
-    EXPECT_EQ(view.ColorIndex(0x123456), 23);
-    EXPECT_EQ(view.ColorIndex(0x123456), 23);
-    EXPECT_EQ(view.ColorOf(99), 0x000000u); // out of range reads entry 0
+    for (int twice = 0; twice < 2; ++twice) EXPECT_EQ(view.ColorIndex(0x123456), 23); // added once, then found
     EXPECT_EQ(view.ColorOf(view.ColorIndex(0x80000005)), 0xFFFFFFu); // the window colour
     view.Clear();
     EXPECT_EQ(view.ColorOf(0), 0x000000u);
@@ -90,13 +85,12 @@ TEST_F(View, SnapMarkerInvalidatesEighteenPixels)
     view.InvalidateSnapMarker();
     EXPECT_EQ(window.invalidated.back(), (DeviceRect{41, 41, 59, 59}));
     view.Buf.SnapMarkerUp = 3;
-    view.SetMouseTool(bvxRectangle); // a drawing tool keeps the marker
-    EXPECT_EQ(view.Buf.SnapMarkerUp, 3);
-    view.SetMouseTool(16); // any value is stored; 16 is in the drawing range
-    EXPECT_EQ(view.CurrentTool, 16);
-    EXPECT_EQ(view.Buf.SnapMarkerUp, 3);
-    view.SetMouseTool(bvxSelect);
-    EXPECT_EQ(view.Buf.SnapMarkerUp, 0);
+    // A drawing tool keeps the marker; any value is stored, and 16 is in the drawing range.
+    for (auto [tool, markerUp] : {std::pair<int16_t, int>{bvxRectangle, 3}, {16, 3}, {bvxSelect, 0}}) {
+        view.SetMouseTool(tool);
+        EXPECT_EQ(view.CurrentTool, tool);
+        EXPECT_EQ(view.Buf.SnapMarkerUp, markerUp) << tool;
+    }
 }
 
 TEST_F(View, CancelMouseOnlyActsDuringADraw)
@@ -155,8 +149,7 @@ TEST_F(View, MouseMoveEventIsTheOnlyRoundedOne)
     view.World.SetWorldAnglePrecision(1);
     view.FireWorldMouseMove(1, 1.23456, 2.5, 3.14159, 0.777);
     view.Fire<&EventSink::Click>(1.23456, 2.5);
-    EXPECT_EQ(sink.events[0], "WorldMouseMove 1 1.23 2.5 3.14 0.8");
-    EXPECT_EQ(sink.events[1], "Click 1.23456 2.5");
+    EXPECT_EQ(sink.events, (std::vector<std::string>{"WorldMouseMove 1 1.23 2.5 3.14 0.8", "Click 1.23456 2.5"}));
 }
 
 // Golden pictures show the styles; here what only printing and mono change.

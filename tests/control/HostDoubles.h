@@ -2,10 +2,13 @@
 // an event sink that records what fired.
 #pragma once
 
+#include "control/CadControl.h"
 #include "control/EventSink.h"
 #include "platform/HostWindow.h"
+#include "platform/WindowMessages.h"
 #include "platform/raster/RasterDeviceContext.h"
 
+#include <initializer_list>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -89,6 +92,73 @@ public:
         for (double a : args) line << ' ' << a;
         events.push_back(line.str());
     }
+};
+
+// A window whose tool menu answers as the user would, and which records the
+// menu it showed and what reached the system's default handling.
+class MenuWindow : public RecordingHostWindow {
+public:
+    std::optional<int32_t> answer; // none: the menu is dismissed
+    std::vector<PopupMenuItem> shownMenu;
+    DevicePoint menuAt{};
+    std::vector<uint32_t> defaulted;
+
+    std::optional<int32_t> TrackPopupMenu(const std::vector<PopupMenuItem>& items, DevicePoint screen) override
+    {
+        shownMenu = items;
+        menuAt = screen;
+        return answer;
+    }
+    int64_t DefaultProcedure(uint32_t msg, uint64_t, int64_t) override
+    {
+        defaulted.push_back(msg);
+        return 77;
+    }
+};
+
+// A control in a 201 by 201 window, driven through its window procedure.
+class ControlHost {
+public:
+    // Unpainted: the mouse is not ready yet. WindowFromPaint: the control is
+    // made without a window and learns it from the first paint.
+    enum class Start { Painted, WindowFromPaint, Unpainted };
+
+    explicit ControlHost(EventSink* sink, Start start = Start::Painted)
+        : control(start == Start::WindowFromPaint ? nullptr : &window, sink)
+    {
+        window.client = {0, 0, 201, 201};
+        if (start != Start::Unpainted) Paint();
+    }
+    void Paint()
+    {
+        std::unique_ptr<DeviceContext> dc = window.GetDC();
+        control.OnDraw(&window, *dc, window.GetClientRect());
+    }
+    DevicePoint At(double x, double y) const { return control.View().World.WorldToDevice({x, y}); }
+    int64_t Send(uint32_t msg, uint64_t wParam, DevicePoint p)
+    {
+        return control.WindowProc(msg, wParam, MakeLParam(p.x, p.y));
+    }
+    void Click(DevicePoint p, uint32_t mods = 0)
+    {
+        Send(wm::LButtonDown, mk::LButton | mods, p);
+        Send(wm::LButtonUp, mods, p);
+    }
+    void MoveAndClick(DevicePoint p)
+    {
+        Send(wm::MouseMove, 0, p);
+        Click(p);
+    }
+    // Pressed at the first point, moved through the others, released at the last.
+    void Drag(std::initializer_list<DevicePoint> path, uint32_t mods = 0)
+    {
+        Send(wm::LButtonDown, mk::LButton | mods, *path.begin());
+        for (auto p = path.begin() + 1; p != path.end(); ++p) Send(wm::MouseMove, mk::LButton | mods, *p);
+        Send(wm::LButtonUp, mods, *(path.end() - 1));
+    }
+
+    MenuWindow window;
+    CadControl control;
 };
 
 } // namespace bvx::testing

@@ -1,11 +1,7 @@
 // Mouse input through the window procedure with a host that calls back into
 // the control from its events, as hosts may: whatever the host does from a
 // handler, the drawing must stay whole and the mouse must come free.
-#include "HostDoubles.h"
-#include "control/CadControl.h"
-#include "platform/WindowMessages.h"
-
-#include <gtest/gtest.h>
+#include "ViewFixture.h"
 
 #include <algorithm>
 #include <csignal>
@@ -21,42 +17,16 @@
 namespace bvx {
 namespace {
 
-using members::Kind;
-
-// A window whose tool menu answers as the user would.
-class MenuWindow : public testing::RecordingHostWindow {
+// A host whose handler may call back into the control. It checks at each
+// event what the event promises about the shape it names, before the handler runs.
+class Host : public EventRecorder, public testing::ControlHost {
 public:
-    std::optional<int32_t> menuChoice;
-    std::optional<int32_t> TrackPopupMenu(const std::vector<PopupMenuItem>&, DevicePoint) override
+    Host() : ControlHost(this, Start::Unpainted) // painted once its handler is ready
     {
-        return menuChoice;
-    }
-};
-
-// A host: a window, a sink whose handler may call back, and the control.
-// The sink checks at each event what the event promises about the shape it
-// names, before the handler runs.
-class Host : public EventRecorder {
-public:
-    Host() : control(&window, this)
-    {
-        window.client = {0, 0, 201, 201};
         Paint();
         control.WorldSet(0, 200, 200, 0);
     }
-
-    void Paint()
-    {
-        std::unique_ptr<DeviceContext> dc = window.GetDC();
-        control.OnDraw(&window, *dc, window.GetClientRect());
-    }
-    DevicePoint At(double x, double y) const { return control.View().World.WorldToDevice({x, y}); }
-    void Send(uint32_t msg, uint64_t wParam, DevicePoint p) { control.WindowProc(msg, wParam, MakeLParam(p.x, p.y)); }
-    void Click(DevicePoint p, uint32_t mods = 0)
-    {
-        Send(wm::LButtonDown, mk::LButton | mods, p);
-        Send(wm::LButtonUp, mods, p);
-    }
+    using ControlHost::Click; // not the sink's event
 
     void OnEvent(const members::EventRow& event, std::span<const double> args) override
     {
@@ -84,40 +54,11 @@ public:
         }
     }
 
-    // Empty while the drawing agrees with itself; else the first thing that doesn't.
+    // Empty while the drawing and the mouse agree with themselves; else the first thing that doesn't.
     std::string Inconsistency() const
     {
         const CadView& view = control.View();
-        const CadBuf& buf = view.Buf;
-        const auto& sel = buf.Selection;
-        auto shape = [](const CObjShape& s) { return "shape " + std::to_string(s.Number); };
-        std::unordered_set<const CObjShape*> listed;
-        for (size_t l = 0; l < buf.Layers.size(); ++l) {
-            for (const auto& s : buf.Layers[l]->Shapes) {
-                listed.insert(s.get());
-                if (buf.FindShape(s->Number) != s.get()) return shape(*s) + " isn't found by its number";
-                if (s->Layer != int16_t(l))
-                    return shape(*s) + " in layer " + std::to_string(l) + " names layer " + std::to_string(s->Layer);
-                if (s->Selected && std::find(sel.begin(), sel.end(), s.get()) == sel.end())
-                    return shape(*s) + " is marked selected but isn't in the selection";
-            }
-        }
-        if (buf.ShapeMap.Size() != listed.size())
-            return "number table holds " + std::to_string(buf.ShapeMap.Size()) + ", layers " +
-                   std::to_string(listed.size());
-        std::unordered_set<const CObjShape*> seen;
-        int unnumbered = 0;
-        for (const CObjShape* s : sel) {
-            if (!seen.insert(s).second) return "a shape is twice in the selection";
-            // Only the shape being drawn, before it has its number, is outside every layer.
-            if (!listed.count(s)) {
-                if (!view.DrawInProgress) return "a selected shape is in no layer, with no draw in progress";
-                if (s->Number != -1 || ++unnumbered > 1) return "a numbered selected shape is in no layer";
-            }
-            if (!s->Selected) return "selected " + shape(*s) + " isn't marked selected";
-        }
-        if (buf.FocusShape && !listed.count(buf.FocusShape) && !seen.count(buf.FocusShape))
-            return "the focus shape is neither in a layer nor selected";
+        if (std::string why = testing::DrawingInconsistency(view); !why.empty()) return why;
         if ((view.MouseActive != 0) != window.capture)
             return "MouseActive " + std::to_string(view.MouseActive) + " but capture " +
                    (window.capture ? "held" : "free");
@@ -126,16 +67,8 @@ public:
         return {};
     }
 
-    std::vector<int32_t> LiveNumbers() const
-    {
-        std::vector<int32_t> numbers;
-        for (const auto& layer : control.View().Buf.Layers)
-            for (const auto& s : layer->Shapes) numbers.push_back(s->Number);
-        return numbers;
-    }
+    std::vector<int32_t> LiveNumbers() const { return testing::ShapeNumbers(control.View().Buf); }
 
-    MenuWindow window;
-    CadControl control;
     std::function<void(std::string_view, std::span<const double>)> handler;
     std::vector<std::string> faults;
     std::unordered_set<int32_t> added, finished; // by the mouse, and of those the ones finished
@@ -147,13 +80,12 @@ public:
 // ---- handlers that call back ----
 
 enum class Script { Draw, PressShape, CtrlPressShape, ResizeCircle, Net };
+using enum Script;
 
-struct Originals {
-    int32_t a, b, c; // a rectangle, a circle, a line
-};
+struct Originals { int32_t a, b, c; }; // a rectangle, a circle, a line
 
 struct Reentry {
-    const char* name;
+    const char* name; // after the event's name
     int16_t tool;
     bool persist;
     Script script;
@@ -168,7 +100,7 @@ constexpr int16_t kAnyTool = -99;
 void ToSelectByName(Host& h, const Originals&, std::span<const double>)
 {
     const Variant zero = Variant::I4(0);
-    h.control.Invoke(u"ViewMouseTool", Kind::PropertyPut, std::span(&zero, 1), nullptr);
+    h.control.Invoke(u"ViewMouseTool", members::Kind::PropertyPut, std::span(&zero, 1), nullptr);
 }
 void ToRectangle(Host& h, const Originals&, std::span<const double>) { h.control.PutViewMouseTool(bvxRectangle); }
 void DeleteA(Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.a); }
@@ -179,38 +111,32 @@ void DeleteSelection(Host& h, const Originals&, std::span<const double>) { h.con
 void ClearAll(Host& h, const Originals&, std::span<const double>) { h.control.CadClearAll(); }
 
 const Reentry kReentries[] = {
-    {"DrawBegin chooses the select tool by name", 1, false, Script::Draw, "DrawBegin", ToSelectByName, 7, 0},
-    {"DrawBegin chooses another drawing tool", 20, false, Script::Draw, "DrawBegin", ToRectangle, 7, 1},
-    {"DrawBegin deletes another shape", 1, false, Script::Draw, "DrawBegin", DeleteA, 7, 1},
-    {"DrawBegin deletes the selection", 19, false, Script::Draw, "DrawBegin", DeleteSelection, 7, 19},
-    {"DrawBegin clears the drawing", 20, false, Script::Draw, "DrawBegin", ClearAll, 0, kAnyTool},
-    {"ShapeNumberAdded deletes the new shape", 1, false, Script::Draw, "ShapeNumberAdded", DeleteNamed, 7, 1},
-    {"ShapeNumberAdded deletes the selection", 20, false, Script::Draw, "ShapeNumberAdded", DeleteSelection, 7, 20},
-    {"ShapeNumberAdded deletes the copy a Ctrl press makes", 0, false, Script::CtrlPressShape, "ShapeNumberAdded",
-     DeleteNamed, 7, 0},
-    {"ShapeNumberAdded clears the drawing", 19, false, Script::Draw, "ShapeNumberAdded", ClearAll, 0, kAnyTool},
-    {"DrawEnd deletes the new shape", 1, false, Script::Draw, "DrawEnd", DeleteDrawn, 7, 1},
+    {"chooses the select tool by name", 1, false, Draw, "DrawBegin", ToSelectByName, 7, 0},
+    {"chooses another drawing tool", 20, false, Draw, "DrawBegin", ToRectangle, 7, 1},
+    {"deletes another shape", 1, false, Draw, "DrawBegin", DeleteA, 7, 1},
+    {"deletes the selection", 19, false, Draw, "DrawBegin", DeleteSelection, 7, 19},
+    {"clears the drawing", 20, false, Draw, "DrawBegin", ClearAll, 0, kAnyTool},
+    {"deletes the new shape", 1, false, Draw, "ShapeNumberAdded", DeleteNamed, 7, 1},
+    {"deletes the selection", 20, false, Draw, "ShapeNumberAdded", DeleteSelection, 7, 20},
+    {"deletes the copy a Ctrl press makes", 0, false, CtrlPressShape, "ShapeNumberAdded", DeleteNamed, 7, 0},
+    {"clears the drawing", 19, false, Draw, "ShapeNumberAdded", ClearAll, 0, kAnyTool},
+    {"deletes the new shape", 1, false, Draw, "DrawEnd", DeleteDrawn, 7, 1},
     // A delete during a draw only cancels it: the half-made shape goes, not the one named.
-    {"DrawEnd deletes another shape", 19, false, Script::Draw, "DrawEnd", DeleteA, 7, 19},
-    {"DrawEnd deletes the selection", 20, true, Script::Draw, "DrawEnd", DeleteSelection, 7, 20},
-    {"DrawEnd clears the drawing", 1, false, Script::Draw, "DrawEnd", ClearAll, 0, kAnyTool},
-    {"ShapeNumberSelected deletes the finished shape", 1, false, Script::Draw, "ShapeNumberSelected", DeleteNamed, 7,
-     0},
-    {"ShapeNumberSelected deletes the pressed shape", 0, false, Script::PressShape, "ShapeNumberSelected", DeleteNamed,
-     6, 0},
-    {"ShapeNumberSelected deletes the shape a Ctrl press copies", 0, false, Script::CtrlPressShape,
-     "ShapeNumberSelected", DeleteNamed, 6, 0},
+    {"deletes another shape", 19, false, Draw, "DrawEnd", DeleteA, 7, 19},
+    {"deletes the selection", 20, true, Draw, "DrawEnd", DeleteSelection, 7, 20},
+    {"clears the drawing", 1, false, Draw, "DrawEnd", ClearAll, 0, kAnyTool},
+    {"deletes the finished shape", 1, false, Draw, "ShapeNumberSelected", DeleteNamed, 7, 0},
+    {"deletes the pressed shape", 0, false, PressShape, "ShapeNumberSelected", DeleteNamed, 6, 0},
+    {"deletes the shape a Ctrl press copies", 0, false, CtrlPressShape, "ShapeNumberSelected", DeleteNamed, 6, 0},
     // Without a persistent tool the end of the net takes the control back to selection.
-    {"WorldRectPos chooses a tool after a net select", -1, false, Script::Net, "WorldRectPos", ToRectangle, 7, 0},
-    {"WorldRectPos chooses a tool after a net zoom", -3, true, Script::Net, "WorldRectPos", ToRectangle, 7, 1},
-    {"DrawRadius deletes the circle being drawn", 19, false, Script::Draw, "DrawRadius", DeleteDrawn, 7, 19},
-    {"DrawRadius deletes another shape while an ellipse is drawn", 20, false, Script::Draw, "DrawRadius", DeleteA, 7,
-     20},
-    {"DrawRadius clears the drawing", 20, true, Script::Draw, "DrawRadius", ClearAll, 0, kAnyTool},
-    {"DrawRadius deletes the circle being resized", 0, false, Script::ResizeCircle, "DrawRadius", DeleteB, 5, 0},
-    {"DrawRadius deletes another shape during a resize", 0, false, Script::ResizeCircle, "DrawRadius", DeleteA, 6, 0},
-    {"DrawRadius deletes the selection during a resize", 0, false, Script::ResizeCircle, "DrawRadius", DeleteSelection,
-     5, 0},
+    {"chooses a tool after a net select", -1, false, Net, "WorldRectPos", ToRectangle, 7, 0},
+    {"chooses a tool after a net zoom", -3, true, Net, "WorldRectPos", ToRectangle, 7, 1},
+    {"deletes the circle being drawn", 19, false, Draw, "DrawRadius", DeleteDrawn, 7, 19},
+    {"deletes another shape while an ellipse is drawn", 20, false, Draw, "DrawRadius", DeleteA, 7, 20},
+    {"clears the drawing", 20, true, Draw, "DrawRadius", ClearAll, 0, kAnyTool},
+    {"deletes the circle being resized", 0, false, ResizeCircle, "DrawRadius", DeleteB, 5, 0},
+    {"deletes another shape during a resize", 0, false, ResizeCircle, "DrawRadius", DeleteA, 6, 0},
+    {"deletes the selection during a resize", 0, false, ResizeCircle, "DrawRadius", DeleteSelection, 5, 0},
 };
 
 // A device point on one of the circle's radius handles.
@@ -229,43 +155,28 @@ DevicePoint RadiusHandle(const Host& h, const CObjShape& circle)
 void RunScript(Host& h, const Reentry& c, const Originals& o)
 {
     switch (c.script) {
-    case Script::Draw:
+    case Draw:
         h.Click(h.At(110, 40));
-        h.Send(wm::MouseMove, 0, h.At(150, 80));
-        h.Click(h.At(150, 80));
+        h.MoveAndClick(h.At(150, 80));
         if (c.tool != bvxEllipse) return;
-        h.Send(wm::MouseMove, 0, h.At(170, 60));
-        h.Click(h.At(170, 60));
+        h.MoveAndClick(h.At(170, 60));
         return;
-    case Script::PressShape:
-    case Script::CtrlPressShape: {
-        const uint32_t mods = c.script == Script::CtrlPressShape ? mk::Control : 0;
-        h.Send(wm::LButtonDown, mk::LButton | mods, h.At(40, 20)); // on the rectangle's lower edge
-        h.Send(wm::MouseMove, mk::LButton | mods, h.At(50, 30));
-        h.Send(wm::LButtonUp, mods, h.At(50, 30));
-        return;
-    }
-    case Script::ResizeCircle: {
+    case PressShape: // on the rectangle's lower edge, then away
+    case CtrlPressShape: h.Drag({h.At(40, 20), h.At(50, 30)}, c.script == CtrlPressShape ? mk::Control : 0); return;
+    case ResizeCircle: {
         h.control.ShapeSelect(o.b, false);
         const DevicePoint grip = RadiusHandle(h, *h.control.View().Buf.FindShape(o.b));
-        h.Send(wm::LButtonDown, mk::LButton, grip);
-        h.Send(wm::MouseMove, mk::LButton, {grip.x + 7, grip.y + 9});
-        h.Send(wm::MouseMove, mk::LButton, {grip.x + 12, grip.y + 15});
-        h.Send(wm::LButtonUp, 0, {grip.x + 12, grip.y + 15});
+        h.Drag({grip, {grip.x + 7, grip.y + 9}, {grip.x + 12, grip.y + 15}});
         return;
     }
-    case Script::Net:
-        h.Send(wm::LButtonDown, mk::LButton, h.At(10, 10));
-        h.Send(wm::MouseMove, mk::LButton, h.At(70, 70));
-        h.Send(wm::LButtonUp, 0, h.At(70, 70));
-        return;
+    case Net: h.Drag({h.At(10, 10), h.At(70, 70)}); return;
     }
 }
 
 TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
 {
     for (const Reentry& c : kReentries) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(std::string(c.event) + " " + c.name);
         Host h;
         const Originals o{h.control.DrawRectangle(20, 20, 60, 60, 1), h.control.DrawCircle(140, 140, 20, 1),
                           h.control.DrawLine(20, 150, 80, 190, 1)};
@@ -280,16 +191,12 @@ TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
         }
         h.handler = nullptr;
         // A host that leaves a draw open gets it closed by the user.
-        for (int32_t i = 0; i < 3 && h.control.View().DrawInProgress; ++i) {
-            h.Send(wm::MouseMove, 0, {60 + 9 * i, 120 - 7 * i});
-            h.Click({60 + 9 * i, 120 - 7 * i});
-        }
+        for (int32_t i = 0; i < 3 && h.control.View().DrawInProgress; ++i) h.MoveAndClick({60 + 9 * i, 120 - 7 * i});
 
         const CadView& view = h.control.View();
         EXPECT_EQ(h.Inconsistency(), "");
         EXPECT_FALSE(view.DrawInProgress);
-        EXPECT_EQ(view.MouseActive, 0);
-        EXPECT_FALSE(h.window.capture);
+        EXPECT_EQ(view.MouseActive, 0); // and so, the drawing being whole, the capture is free
         const int32_t originals[] = {o.a, o.b, o.c};
         for (unsigned i = 0; i < 3; ++i)
             EXPECT_EQ(view.Buf.FindShape(originals[i]) && !h.added.count(originals[i]), bool(c.alive & (1u << i)))
@@ -301,8 +208,7 @@ TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
         const size_t before = h.LiveNumbers().size();
         h.control.PutViewMouseTool(bvxRectangle);
         h.Click({150, 150});
-        h.Send(wm::MouseMove, 0, {180, 170});
-        h.Click({180, 170});
+        h.MoveAndClick({180, 170});
         EXPECT_EQ(h.LiveNumbers().size(), before + 1);
         ASSERT_EQ(view.Buf.Selection.size(), 1u);
         EXPECT_EQ(view.Buf.Selection.front()->Number, h.lastAdded);
@@ -429,7 +335,7 @@ private:
             const int16_t snaps = int16_t(Below(3));
             c.PutViewSnapToShape(snaps == 1);
             c.PutViewSnapToGrid(snaps == 2);
-            h_.window.menuChoice = Below(2) ? std::optional<int32_t>(kTools[Below(std::size(kTools))]) : std::nullopt;
+            h_.window.answer = Below(2) ? std::optional<int32_t>(kTools[Below(std::size(kTools))]) : std::nullopt;
             Send("right press", wm::RButtonDown, mk::RButton | Mods(), Target());
             return Send("right release", wm::RButtonUp, Mods(), Target());
         }
