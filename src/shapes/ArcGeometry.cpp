@@ -138,6 +138,13 @@ bool HitArcBand(int16_t method, const WorldPoint& centre, const WorldPoint& radi
     return p >= s && p <= t;
 }
 
+bool BeyondDeviceLimit(const DeviceRect& box)
+{
+    constexpr double kDeviceLimit = 32768 - (32768 + 1) * 1e-7;
+    return std::fabs(double(box.right)) + std::fabs(double(box.left)) >= kDeviceLimit ||
+           std::fabs(double(box.bottom)) + std::fabs(double(box.top)) >= kDeviceLimit;
+}
+
 ThreePointCircle CircleThroughWorld(WorldPoint p1, WorldPoint p2, WorldPoint p3, int16_t signX, int16_t signY)
 {
     ThreePointCircle circle;

@@ -33,6 +33,12 @@ void ArcBoundsWorld(WorldRect& rect, const WorldPoint& p1, const WorldPoint& p2,
 bool HitArcBand(int16_t method, const WorldPoint& centre, const WorldPoint& radius, DevicePoint start,
                 DevicePoint end, DevicePoint point, const CadWorld& world);
 
+// Whether a figure's device box reaches past what the platform's 16-bit
+// drawing coordinates hold; such arcs are drawn as straight steps.
+bool BeyondDeviceLimit(const DeviceRect& box);
+// How many steps stand in for such an arc.
+constexpr double kBeyondLimitSteps = 20.0;
+
 // The circle through three points in order. Sweep 0: the points are on one
 // line and there is no circle; 1: the arc runs from the first point to the
 // third as the platform's Arc draws; 2: the ends must be exchanged first.

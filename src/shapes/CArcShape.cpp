@@ -22,16 +22,6 @@ constexpr int32_t kBorderTolerance = 3;
 constexpr int32_t kLikeHandles = 55;
 constexpr int32_t kNoHandlePointer = 99;
 
-// The figure's box beyond what 16-bit device coordinates hold.
-constexpr double kDeviceLimit = 32768 - (32768 + 1) * 1e-7;
-constexpr double kLimitSteps = 20.0;
-
-bool BeyondDeviceLimit(const DeviceRect& r)
-{
-    return std::fabs(double(r.right)) + std::fabs(double(r.left)) >= kDeviceLimit ||
-           std::fabs(double(r.bottom)) + std::fabs(double(r.top)) >= kDeviceLimit;
-}
-
 int64_t SquaredDistance(DevicePoint a, DevicePoint b)
 {
     const int64_t dx = int64_t(a.x) - b.x, dy = int64_t(a.y) - b.y;
@@ -201,7 +191,7 @@ void CArcShape::Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& vi
         // Past 16 bits the platform can't draw an arc: every device draws
         // the same stand-in, the figure as twenty straight steps.
         CPolyShape outline;
-        if (ConvertTo(GetShapeType() == bvxArc ? bvxPolyline : bvxPolygon, &outline, 1, kLimitSteps, &view))
+        if (ConvertTo(GetShapeType() == bvxArc ? bvxPolyline : bvxPolygon, &outline, 1, kBeyondLimitSteps, &view))
             outline.Draw(dc, clip, view, mode);
         return;
     }

@@ -22,8 +22,6 @@ constexpr int32_t kMovesWhole = 99;
 
 constexpr double kPaintStep = 0.05;
 constexpr int32_t kBoundsSegments = 20;
-constexpr double kArcLimitSteps = 20.0;
-constexpr double kDeviceLimit = 32768 - (32768 + 1) * 1e-7;
 constexpr double kTwoPi = 6.283185307179586;
 // Chords whose slopes differ by less than this are taken for a straight line.
 constexpr double kSameSlope = (0.1 + 1) * 1e-7 + 0.1;
@@ -202,12 +200,10 @@ void CPolyShape::Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& v
             break;
         }
         DeviceRect r = OrderedRect(CircleDeviceRect(arc.circle, world));
-        const bool beyond = std::fabs(double(r.right)) + std::fabs(double(r.left)) >= kDeviceLimit ||
-                            std::fabs(double(r.bottom)) + std::fabs(double(r.top)) >= kDeviceLimit;
-        if (beyond || !dc.Arc(r.left, r.top, r.right, r.bottom, start.x, start.y, end.x, end.y)) {
+        if (BeyondDeviceLimit(r) || !dc.Arc(r.left, r.top, r.right, r.bottom, start.x, start.y, end.x, end.y)) {
             // Past 16 bits the platform draws no arc: every device draws the same steps.
             CPolyShape outline;
-            if (ConvertTo(bvxPolyline, &outline, 1, kArcLimitSteps, &view)) outline.Draw(dc, clip, view, 0);
+            if (ConvertTo(bvxPolyline, &outline, 1, kBeyondLimitSteps, &view)) outline.Draw(dc, clip, view, 0);
         }
         ArcBoundsDevice(r, start, end, false);
         StoreBounds(r);

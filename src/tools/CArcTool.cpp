@@ -41,9 +41,7 @@ void CArcTool::OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& poin
 
 int32_t CArcTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
-    auto shape = std::make_unique<CArcShape>();
-    shape->SetShapeType(uint8_t(type), ToolSearch(view, type, layerNumber));
-    return view.Buf.EnterShape(std::move(shape), view, layerNumber);
+    return EnterNamed(view, std::make_unique<CArcShape>(), type, layerNumber);
 }
 
 } // namespace bvx

@@ -133,6 +133,12 @@ CObjShape* CDrawTool::DrawnShape(CadView& view) const
     return Box.DrawnNumber == -1 ? nullptr : view.Buf.FindShape(Box.DrawnNumber);
 }
 
+int32_t CDrawTool::EnterNamed(CadView& view, std::unique_ptr<CObjShape> shape, int16_t type, int32_t layerNumber)
+{
+    shape->SetShapeType(uint8_t(type), ToolSearch(view, type, layerNumber));
+    return view.Buf.EnterShape(std::move(shape), view, layerNumber);
+}
+
 int16_t CDrawTool::ToolSearch(const CadView& view, int16_t type, int32_t layerNumber)
 {
     const CadLayer* layer = layerNumber == -1 ? view.Buf.CurrentLayer : view.Buf.Layer(layerNumber);

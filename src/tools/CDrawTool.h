@@ -60,6 +60,9 @@ protected:
     bool TakeBackOnSameSpot(CadView& view, const WorldPoint& point);
     // The shape this tool is drawing, if it is still there.
     CObjShape* DrawnShape(CadView& view) const;
+    // Names an empty shape by its type and the layer's search method, and
+    // enters it there: what CreateShape does for most classes.
+    static int32_t EnterNamed(CadView& view, std::unique_ptr<CObjShape> shape, int16_t type, int32_t layerNumber);
     // The search method a layer gives a type; the current layer's for -1.
     static int16_t ToolSearch(const CadView& view, int16_t type, int32_t layerNumber = -1);
 

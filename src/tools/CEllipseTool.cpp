@@ -36,9 +36,7 @@ void CEllipseTool::OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& 
 
 int32_t CEllipseTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
-    auto shape = std::make_unique<CEllipseShape>();
-    shape->SetShapeType(uint8_t(type), ToolSearch(view, type, layerNumber));
-    return view.Buf.EnterShape(std::move(shape), view, layerNumber);
+    return EnterNamed(view, std::make_unique<CEllipseShape>(), type, layerNumber);
 }
 
 } // namespace bvx

@@ -94,9 +94,7 @@ void CPolyTool::OnLButtonDblClk(CadView& view, uint32_t, const WorldPoint& point
 
 int32_t CPolyTool::CreateShape(CadView& view, int16_t type, int32_t layerNumber)
 {
-    auto shape = std::make_unique<CPolyShape>();
-    shape->SetShapeType(uint8_t(type), ToolSearch(view, type, layerNumber));
-    return view.Buf.EnterShape(std::move(shape), view, layerNumber);
+    return EnterNamed(view, std::make_unique<CPolyShape>(), type, layerNumber);
 }
 
 } // namespace bvx
