@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 
 namespace bvx {
@@ -127,14 +126,6 @@ struct TransformCase {
     WorldPoint out;
 };
 
-TransformRequest Request(int32_t mode, std::function<void(TransformRequest&)> set)
-{
-    TransformRequest r;
-    r.mode = mode;
-    set(r);
-    return r;
-}
-
 class Transforms : public ::testing::TestWithParam<TransformCase> {};
 
 TEST_P(Transforms, StepsComeInTheFixedOrder)
@@ -145,50 +136,29 @@ TEST_P(Transforms, StepsComeInTheFixedOrder)
     EXPECT_NEAR(p.y, GetParam().out.y, 1e-9) << GetParam().what;
 }
 
+// The translation is not scaled whatever the bit values; shear has no pivot.
 INSTANTIATE_TEST_SUITE_P(
     Cases, Transforms,
     ::testing::Values(
-        // The translation is not scaled whatever the bit values.
         TransformCase{"scale then translate",
-                      Request(TransformBits::Scale | TransformBits::Translate,
-                              [](auto& r) {
-                                  r.pivotX = r.pivotY = 1;
-                                  r.scaleX = r.scaleY = 2;
-                                  r.translateX = 10;
-                              }),
+                      {.mode = TransformBits::Scale | TransformBits::Translate, .pivotX = 1, .pivotY = 1,
+                       .scaleX = 2, .scaleY = 2, .translateX = 10},
                       {2, 2},
                       {13, 3}},
         TransformCase{"reflect mode 0 mirrors across y = pivotY",
-                      Request(TransformBits::Reflect,
-                              [](auto& r) {
-                                  r.pivotX = 3;
-                                  r.pivotY = 5;
-                              }),
+                      {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5},
                       {1, 1},
                       {1, 9}},
         TransformCase{"reflect mode 1 mirrors across x = pivotX",
-                      Request(TransformBits::Reflect,
-                              [](auto& r) {
-                                  r.pivotX = 3;
-                                  r.pivotY = 5;
-                                  r.reflectMode = 1;
-                              }),
+                      {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5, .reflectMode = 1},
                       {1, 1},
                       {5, 1}},
-        TransformCase{"shear has no pivot; an unknown mode shears X",
-                      Request(TransformBits::Shear,
-                              [](auto& r) {
-                                  r.shear = 2;
-                                  r.shearMode = 7;
-                              }),
+        TransformCase{"an unknown shear mode shears X",
+                      {.mode = TransformBits::Shear, .shearMode = 7, .shear = 2},
                       {1, 3},
                       {7, 3}},
         TransformCase{"a vanishing factor skips the scale",
-                      Request(TransformBits::Scale,
-                              [](auto& r) {
-                                  r.scaleX = 0;
-                                  r.scaleY = 2;
-                              }),
+                      {.mode = TransformBits::Scale, .scaleX = 0, .scaleY = 2},
                       {4, 4},
                       {4, 4}}));
 
