@@ -1,5 +1,8 @@
 #include "CadBuf.h"
 
+#include "GroupWalk.h"
+#include "shapes/CGroupShape.h"
+
 #include "shapes/ShapeContext.h"
 #include "platform/DeviceContext.h"
 
@@ -18,9 +21,10 @@ constexpr int32_t kHandleReach = 4;
 // Visits a shape and, depth first, the members of groups inside it.
 template <typename F> void ForEachDeep(CObjShape* shape, F&& f)
 {
-    f(shape);
-    if (CadLayer* members = shape->GroupList())
-        for (size_t i = 0; i < members->Shapes.size(); ++i) ForEachDeep(members->Shapes[i].get(), f);
+    WalkShapeDeep(*shape, [&](CObjShape& s) {
+        f(&s);
+        return true;
+    });
 }
 
 void MoveWithin(CadLayer& list, size_t from, size_t to)
@@ -374,21 +378,34 @@ void CadBuf::DuplicateSelection(ShapeContext& view)
     }
 }
 
+bool CadBuf::IsWithin(const CObjShape* shape, const CObjShape* group) const
+{
+    // Bounded by the count of shapes, so that a damaged chain cannot spin.
+    const CObjShape* g = group;
+    for (size_t steps = 0; g && steps <= ShapeMap.Size(); ++steps) {
+        if (g == shape) return true;
+        g = g->Group == -1 ? nullptr : FindShape(g->Group);
+    }
+    return false;
+}
+
 bool CadBuf::GroupAddShape(CObjShape* group, CObjShape* shape)
 {
-    if (!group || !shape || shape == group || shape->Group != -1 || !group->GroupList()) return false;
+    CGroupShape* target = AsGroup(group);
+    // A shape of another group stays there, and no group may hold itself
+    // or a group it is in.
+    if (!target || !shape || shape->Group != -1 || IsWithin(shape, target)) return false;
     std::unique_ptr<CObjShape> taken = DetachShape(shape);
     if (!taken) return false;
     Deselect(shape);
-    shape->Group = group->Number;
-    shape->Layer = group->Layer;
-    group->GroupList()->Shapes.push_back(std::move(taken));
+    taken->Layer = target->Layer;
+    target->AddMember(std::move(taken));
     return true;
 }
 
 bool CadBuf::GroupAddSelection(CObjShape* group)
 {
-    if (!group) return false;
+    if (!AsGroup(group)) return false;
     struct Keyed {
         int64_t key;
         int32_t number;
@@ -412,10 +429,10 @@ bool CadBuf::GroupAddSelection(CObjShape* group)
 
 bool CadBuf::GroupRemoveShape(CObjShape* group, CObjShape* shape)
 {
-    if (!group || !shape || !group->GroupList() || !CurrentLayer) return false;
-    std::unique_ptr<CObjShape> taken = group->GroupList()->Take(shape);
+    CGroupShape* owner = AsGroup(group);
+    if (!owner || !shape || !CurrentLayer) return false;
+    std::unique_ptr<CObjShape> taken = owner->RemoveMember(shape);
     if (!taken) return false;
-    taken->Group = -1;
     taken->Layer = CurrentLayerNumber;
     CurrentLayer->Shapes.push_back(std::move(taken));
     return true;
@@ -423,14 +440,16 @@ bool CadBuf::GroupRemoveShape(CObjShape* group, CObjShape* shape)
 
 bool CadBuf::GroupRemoveAll(CObjShape* group)
 {
-    if (!group || !group->GroupList() || !CurrentLayer) return false;
-    CadLayer& members = *group->GroupList();
+    CGroupShape* owner = AsGroup(group);
+    if (!owner || !CurrentLayer) return false;
+    CadLayer& members = *owner->GroupList();
     for (auto& member : members.Shapes) {
         member->Group = -1;
         member->Layer = CurrentLayerNumber;
         CurrentLayer->Shapes.push_back(std::move(member));
     }
     members.Shapes.clear();
+    owner->UniteMemberBounds();
     return true;
 }
 
@@ -438,13 +457,18 @@ void CadBuf::NumberGroupMembers(CObjShape* group)
 {
     CadLayer* members = group ? group->GroupList() : nullptr;
     if (!members) return;
-    for (auto& member : members->Shapes) {
-        member->Number = ++NextShapeNumber;
-        member->Layer = group->Layer;
-        member->Group = group->Number;
-        ShapeMap.Insert(member->Number, member.get());
-        NumberGroupMembers(member.get());
-    }
+    // Depth first, each group numbered before its members, which then learn
+    // the number.
+    for (auto& member : members->Shapes) member->Group = group->Number;
+    const int16_t layer = group->Layer;
+    WalkDeep(*members, [&](CObjShape& member) {
+        member.Number = ++NextShapeNumber;
+        member.Layer = layer;
+        ShapeMap.Insert(member.Number, &member);
+        if (CadLayer* inner = member.GroupList())
+            for (auto& m : inner->Shapes) m->Group = member.Number;
+        return true;
+    });
 }
 
 void CadBuf::ForgetAll()

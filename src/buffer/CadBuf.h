@@ -98,6 +98,8 @@ public:
 
     // Groups: the member list is the group's own CadLayer.
     bool GroupAddShape(CObjShape* group, CObjShape* shape);
+    // Whether `group` is `shape` or lies somewhere inside it.
+    bool IsWithin(const CObjShape* shape, const CObjShape* group) const;
     bool GroupAddSelection(CObjShape* group);
     bool GroupRemoveShape(CObjShape* group, CObjShape* shape);
     bool GroupRemoveAll(CObjShape* group);

@@ -4,6 +4,7 @@
 #include "platform/DeviceContext.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace bvx {
 
@@ -53,13 +54,30 @@ std::unique_ptr<CObjShape> CadLayer::Take(const CObjShape* shape)
     return taken;
 }
 
-void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int32_t mode)
+void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int32_t mode,
+                    const ShapeAttr* inherited)
 {
+    // Groups are entered on a stack of lists of our own, each with the
+    // record its members inherit; drawn selected, members wear the Buffer
+    // Layer's look unless the view says otherwise.
+    struct Frame {
+        CadLayer* list;
+        size_t next;
+        ShapeAttr inherited;
+    };
+    const bool bufferLook = mode != 0 && view.SelectMode() != 1;
+    std::vector<Frame> stack{{this, 0, inherited ? *inherited : ShapeAttr::Default()}};
     // The size is read on every pass: drawing may fire into the host.
-    for (size_t i = 0; i < Shapes.size(); ++i) {
-        CObjShape& shape = *Shapes[i];
+    while (!stack.empty()) {
+        Frame& top = stack.back();
+        CadLayer& list = *top.list;
+        if (top.next >= list.Shapes.size()) {
+            stack.pop_back();
+            continue;
+        }
+        CObjShape& shape = *list.Shapes[top.next++];
         if (shape.Selected) continue;
-        if (!view.World.Changed && !IsGroupList) {
+        if (!view.World.Changed && !list.IsGroupList) {
             // The bounds end where a one-pixel outline still draws its last
             // row and column: one more each way keeps those in the test.
             // Sixteen-bit bounds widen without overflow; this runs for
@@ -73,37 +91,47 @@ void CadLayer::Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int
             // A shape drawn whole may cover shapes above it: they must follow.
             clip = clip.United(b);
         }
-        if (shape.GroupList()) {
-            shape.Draw(dc, clip, view, mode);
+        if (CadLayer* members = shape.GroupList()) {
+            // One refresh covers the whole tree of a group met on a layer.
+            if (!list.IsGroupList) shape.UpdateBounds(view);
+            if (!(members->Action & LayerActions::Show)) continue;
+            const ShapeAttr next = shape.Attr            ? *shape.Attr
+                                   : list.IsGroupList ? top.inherited
+                                                      : view.EffectiveAttr(shape);
+            stack.push_back({members, 0, next});
             continue;
         }
-        const ShapeAttr& attr = IsGroupList && mode != 0 && view.SelectMode() != 1 && Attr
-                                    ? *Attr
-                                    : view.EffectiveAttr(shape);
+        const ShapeAttr& attr = !list.IsGroupList ? view.EffectiveAttr(shape)
+                                : bufferLook      ? view.LayerLook(0)
+                                : shape.Attr      ? *shape.Attr
+                                                  : top.inherited;
         view.DrawWithAttr(dc, shape, attr, clip, mode);
     }
 }
 
 CObjShape* CadLayer::Search(DevicePoint point, bool snap, bool wantShape, int16_t action, ShapeContext& view)
 {
-    if (!(action & LayerActions::Show)) return nullptr;
-    if (!(action & LayerActions::Find)) return nullptr;
-    for (size_t i = Shapes.size(); i-- > 0;) {
-        CObjShape* shape = Shapes[i].get();
-        if (view.MouseActive && shape->Selected) continue;
-        int32_t hit = shape->HitTest(point, view);
-        if (!hit) continue;
-        CadLayer* members = shape->GroupList();
-        if (snap) {
-            CObjShape* target = members ? view.FindShape(hit) : shape;
-            if (target) view.SnapPointerTo(target->GetHandlePoint(target->HandleFromPoint(point, view), view), point);
-            return shape;
+    // Find reaches through a group to the member under the point, as deep
+    // as the groups allow it.
+    for (CadLayer* list = this;;) {
+        if (!(action & LayerActions::Show) || !(action & LayerActions::Find)) return nullptr;
+        CObjShape* found = nullptr;
+        int32_t hit = 0;
+        for (size_t i = list->Shapes.size(); i-- > 0 && !hit;) {
+            found = list->Shapes[i].get();
+            if (!(view.MouseActive && found->Selected)) hit = found->HitTest(point, view);
         }
-        if (!members || members->Action == LayerActions::Show) return wantShape ? shape : nullptr;
-        // Find reaches through a group to the member under the point.
-        return members->Search(point, snap, wantShape, members->Action, view);
+        if (!hit) return nullptr;
+        CadLayer* members = found->GroupList();
+        if (snap) {
+            CObjShape* target = members ? view.FindShape(hit) : found;
+            if (target) view.SnapPointerTo(target->GetHandlePoint(target->HandleFromPoint(point, view), view), point);
+            return found;
+        }
+        if (!members || members->Action == LayerActions::Show) return wantShape ? found : nullptr;
+        list = members;
+        action = members->Action;
     }
-    return nullptr;
 }
 
 } // namespace bvx

@@ -51,7 +51,9 @@ public:
     std::unique_ptr<CObjShape> Take(const CObjShape* shape);
 
     // Paints the shapes not selected, growing `clip` by every shape drawn.
-    void Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int32_t mode);
+    // A group's list is given the record its members inherit.
+    void Draw(DeviceContext& dc, DeviceRect& clip, ShapeContext& view, int32_t mode,
+              const ShapeAttr* inherited = nullptr);
 
     // The layer search: the front-most shape under the point. `snap` moves
     // the pointer to the nearest handle; `wantShape` decides whether a plain

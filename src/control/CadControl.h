@@ -15,6 +15,8 @@
 
 namespace bvx {
 
+class CGroupShape;
+
 // A member's answer when it is more than a value: another result code, or
 // an output the member leaves unwritten.
 // A put that may refuse the change answers with a result code alone.
@@ -160,7 +162,17 @@ public:
     int32_t DrawChord(double cx, double cy, double rx, double ry, double start, double end, int16_t layer);
     int32_t DrawThreePointArc(double x1, double y1, double x2, double y2, double x3, double y3, int16_t layer);
     int32_t DrawCircle(double cx, double cy, double r, int16_t layer);
+    int32_t DrawPoint(double x, double y, int16_t layer);
     int32_t ShapeAdd(int32_t type, int16_t layer);
+
+    bool GroupAddShape(int32_t group, int32_t number);
+    bool GroupAddSelection(int32_t group);
+    bool GroupRemoveShape(int32_t group, int32_t number);
+    bool GroupRemoveAll(int32_t group);
+    int32_t GetGroupShapeCount(int32_t group);
+    Reply<Variant> GetGroupShapeNumbers(int32_t group);
+    int16_t GetGroupAction(int32_t group);
+    void PutGroupAction(int32_t group, int16_t action);
 
     void ShapeDelete(int32_t number);
     void ShapeSelectDelete();
@@ -308,6 +320,8 @@ private:
     bool OutsideView(DevicePoint point) const;
 
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
+    // The group of a number; null for an unknown one or a shape of another type.
+    CGroupShape* Group(int32_t number) const;
     void PutWorldEdge(double& edge, double value, int32_t mode);
     // Makes a shape of a type on a layer and sets its points in order.
     int32_t DrawShape(int16_t type, std::initializer_list<WorldPoint> points, int16_t layer);

@@ -92,6 +92,8 @@ int32_t CadControl::DrawThreePointArc(double x1, double y1, double x2, double y2
     return DrawShape(bvx3PointArc, {{x1, y1}, {x2, y2}, {x3, y3}}, layer);
 }
 
+int32_t CadControl::DrawPoint(double x, double y, int16_t layer) { return DrawShape(bvxPoint, {{x, y}}, layer); }
+
 int32_t CadControl::ShapeAdd(int32_t type, int16_t layer)
 {
     if (!view_.Buf.IsLayer(layer) || type < 1 || type > 20) return kNoShape;

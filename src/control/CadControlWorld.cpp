@@ -65,27 +65,13 @@ void CadControl::WorldExtents()
     bool square = w.WorldSquare;
     w.WorldSquare = true;
     w.Recalculate(0);
-    bool any = false;
-    WorldRect all{};
-    auto unite = [&](WorldRect b) {
-        // Ordered in the sense of the axes, so that left is where the world starts.
-        if ((b.right - b.left) * w.SignX < 0) std::swap(b.left, b.right);
-        if ((b.bottom - b.top) * w.SignY < 0) std::swap(b.top, b.bottom);
-        if (!any) {
-            all = b;
-            any = true;
-            return;
-        }
-        auto lower = [](double a, double b, int16_t sign) { return sign > 0 ? std::min(a, b) : std::max(a, b); };
-        auto upper = [](double a, double b, int16_t sign) { return sign > 0 ? std::max(a, b) : std::min(a, b); };
-        all = {lower(all.left, b.left, w.SignX), lower(all.top, b.top, w.SignY), upper(all.right, b.right, w.SignX),
-               upper(all.bottom, b.bottom, w.SignY)};
-    };
+    WorldRectUnion shapes(w);
     for (size_t l = view_.Buf.Layers.size(); l-- > 1;) {
         const CadLayer& layer = *view_.Buf.Layers[l];
         if (!(layer.Action & LayerActions::Show)) continue;
-        for (size_t i = layer.Shapes.size(); i-- > 0;) unite(layer.Shapes[i]->GetWorldBounds(view_));
+        for (size_t i = layer.Shapes.size(); i-- > 0;) shapes.Add(layer.Shapes[i]->GetWorldBounds(view_));
     }
+    const WorldRect& all = shapes.Result();
     w.SetWorld(all.left, all.top, all.right, all.bottom, 0);
     // Centre what was found in the window the square rule made.
     double dy = std::fabs(w.RoundCoord(w.WorldBottom) - w.RoundCoord(w.WorldTop)) - std::fabs(all.bottom - all.top);

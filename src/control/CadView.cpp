@@ -1,6 +1,7 @@
 #include "CadView.h"
 
 #include "platform/DeviceContext.h"
+#include "shapes/CGroupShape.h"
 #include "tools/ToolBox.h"
 #include "world/Rounding.h"
 
@@ -114,16 +115,49 @@ void CadView::SetMouseTool(int16_t tool)
 bool CadView::DeleteShape(CObjShape* shape, bool fireEvent)
 {
     if (!shape) return false;
+    const int32_t top = shape->Number;
+    if (shape->GroupList() && Buf.FindShape(top) == shape) {
+        // Members go first, the last first, each with its own event, and a
+        // member group is emptied before it goes. Groups are held by number
+        // on a stack of our own: a host may delete anything from an event,
+        // and nesting may be deeper than the call stack allows.
+        InvalidateShape(shape, false);
+        if (shape->Selected) Buf.Deselect(shape);
+        std::vector<int32_t> emptying{top};
+        while (!emptying.empty()) {
+            CObjShape* group = Buf.FindShape(emptying.back());
+            CadLayer* members = group ? group->GroupList() : nullptr;
+            if (!members || members->Shapes.empty()) {
+                emptying.pop_back();
+                if (members && !emptying.empty() && !RemoveShape(group, true)) return false;
+                continue;
+            }
+            CObjShape* last = members->Shapes.back().get();
+            const bool enter = last->GroupList() && !last->GroupList()->Shapes.empty() &&
+                               Buf.FindShape(last->Number) == last;
+            if (!enter) {
+                if (!RemoveShape(last, true)) return false;
+                continue;
+            }
+            InvalidateShape(last, false);
+            if (last->Selected) Buf.Deselect(last);
+            emptying.push_back(last->Number);
+        }
+        shape = Buf.FindShape(top);
+        if (!shape) return false;
+    }
+    return RemoveShape(shape, fireEvent);
+}
+
+bool CadView::RemoveShape(CObjShape* shape, bool fireEvent)
+{
     InvalidateShape(shape, false);
     if (shape->Selected) Buf.Deselect(shape);
-    if (CadLayer* members = shape->GroupList())
-        while (!members->Shapes.empty())
-            if (!DeleteShape(members->Shapes.back().get(), true)) break;
     std::unique_ptr<CObjShape> owned;
     if (shape->Group == -1) {
         owned = Buf.DetachShape(shape);
-    } else if (CObjShape* group = Buf.FindShape(shape->Group); group && group->GroupList()) {
-        owned = group->GroupList()->Take(shape);
+    } else if (CGroupShape* group = AsGroup(Buf.FindShape(shape->Group))) {
+        owned = group->RemoveMember(shape);
     }
     // A shape nobody held cannot be given up; it stays where it is.
     if (!owned) return false;
@@ -206,6 +240,13 @@ int16_t CadView::LayerLineType(int16_t layer) const
 {
     const CadLayer* owner = Buf.Layer(layer);
     return owner ? owner->LineType : 0;
+}
+
+const ShapeAttr& CadView::LayerLook(int16_t layer) const
+{
+    static const ShapeAttr fallback = ShapeAttr::Default();
+    const CadLayer* owner = Buf.Layer(layer);
+    return owner && owner->Attr ? *owner->Attr : fallback;
 }
 
 void CadView::SnapPointerTo(const WorldPoint& point, DevicePoint press)

@@ -79,6 +79,7 @@ public:
 
     CObjShape* FindShape(int32_t number) const override { return Buf.FindShape(number); }
     int16_t LayerLineType(int16_t layer) const override;
+    const ShapeAttr& LayerLook(int16_t layer) const override;
     bool ShowTracker() const override { return Buf.ShowTracker; }
     int16_t SelectMode() const override { return Buf.SelectMode; }
     void SnapPointerTo(const WorldPoint& point, DevicePoint press) override;
@@ -112,6 +113,9 @@ public:
     void FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle);
 
 private:
+    // One shape out of its list, destroyed, with its event; a group's
+    // members go with it unannounced.
+    bool RemoveShape(CObjShape* shape, bool fireEvent);
     void RepaintBackBuffer(DeviceContext& memory, const DeviceRect& bounds);
     void InvalidateWindow(const DeviceRect* rect, bool erase);
 };

@@ -51,6 +51,8 @@ public:
     // What the document knows that a shape may need.
     virtual CObjShape* FindShape(int32_t number) const = 0;
     virtual int16_t LayerLineType(int16_t layer) const = 0;
+    // A layer's own pen and brush record.
+    virtual const ShapeAttr& LayerLook(int16_t layer) const = 0;
     virtual bool ShowTracker() const = 0;
     virtual int16_t SelectMode() const = 0;
     // Puts the pointer on a world point found from a device press.

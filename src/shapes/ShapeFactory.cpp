@@ -2,6 +2,8 @@
 
 #include "CArcShape.h"
 #include "CEllipseShape.h"
+#include "CGroupShape.h"
+#include "CPointShape.h"
 #include "CPolyShape.h"
 #include "CRectShape.h"
 
@@ -12,6 +14,8 @@ std::unique_ptr<CObjShape> NewShapeOfClass(int32_t type)
     if (type >= bvxRectangle && type <= bvx2PointEllipse) return std::make_unique<CRectShape>();
     if (type >= bvxPolyline && type <= bvx3PointArc) return std::make_unique<CPolyShape>();
     if (type >= bvxArc && type <= bvxChord) return std::make_unique<CArcShape>();
+    if (type == bvxPoint) return std::make_unique<CPointShape>();
+    if (type == bvxGroup) return std::make_unique<CGroupShape>();
     if (type == bvxCircle || type == bvxEllipse) return std::make_unique<CEllipseShape>();
     return nullptr;
 }

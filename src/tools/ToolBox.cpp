@@ -2,7 +2,7 @@
 
 namespace bvx {
 
-ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this) {}
+ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this), Point(*this), Group(*this) {}
 
 CDrawTool* ToolBox::ToolFor(int16_t value)
 {
@@ -26,6 +26,8 @@ CDrawTool* ToolBox::ToolFor(int16_t value)
     case bvxArc:
     case bvxPieSlice:
     case bvxChord: return &Arc;
+    case bvxPoint: return &Point;
+    case bvxGroup: return &Group;
     default: return nullptr; // the other shapes' tools come with their shapes
     }
 }

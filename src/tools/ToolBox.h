@@ -4,7 +4,9 @@
 
 #include "CArcTool.h"
 #include "CEllipseTool.h"
+#include "CGroupTool.h"
 #include "CPanTool.h"
+#include "CPointTool.h"
 #include "CPolyTool.h"
 #include "CRectTool.h"
 #include "CSelectTool.h"
@@ -36,6 +38,8 @@ public:
     CEllipseTool Ellipse;
     CArcTool Arc;
     CPolyTool Poly;
+    CPointTool Point;
+    CGroupTool Group;
 };
 
 } // namespace bvx

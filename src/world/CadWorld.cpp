@@ -4,6 +4,7 @@
 #include "platform/DeviceContext.h"
 #include "platform/HostWindow.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace bvx {
@@ -268,6 +269,21 @@ bool CadWorld::GridSet(bool on, double width, double height, uint32_t color)
     GridHeight = height;
     GridColor = color;
     return true;
+}
+
+void WorldRectUnion::Add(WorldRect b)
+{
+    if ((b.right - b.left) * signX_ < 0) std::swap(b.left, b.right);
+    if ((b.bottom - b.top) * signY_ < 0) std::swap(b.top, b.bottom);
+    if (!any_) {
+        all_ = b;
+        any_ = true;
+        return;
+    }
+    auto lower = [](double p, double q, int16_t sign) { return sign > 0 ? std::min(p, q) : std::max(p, q); };
+    auto upper = [](double p, double q, int16_t sign) { return sign > 0 ? std::max(p, q) : std::min(p, q); };
+    all_ = {lower(all_.left, b.left, signX_), lower(all_.top, b.top, signY_), upper(all_.right, b.right, signX_),
+            upper(all_.bottom, b.bottom, signY_)};
 }
 
 } // namespace bvx

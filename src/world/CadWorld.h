@@ -111,4 +111,21 @@ public:
     bool GridSet(bool on, double width, double height, uint32_t color);
 };
 
+// Unites world rectangles in the sense of a world's axes, so that left is
+// where the world starts whichever way its axes run.
+class WorldRectUnion {
+public:
+    explicit WorldRectUnion(const CadWorld& world) : signX_(world.SignX), signY_(world.SignY) {}
+    void Add(WorldRect b);
+    bool Any() const { return any_; }
+    // Zero until something was added.
+    const WorldRect& Result() const { return all_; }
+
+private:
+    int16_t signX_;
+    int16_t signY_;
+    bool any_ = false;
+    WorldRect all_{};
+};
+
 } // namespace bvx

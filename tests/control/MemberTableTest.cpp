@@ -160,27 +160,41 @@ std::string RowName(const ::testing::TestParamInfo<const MemberRow*>& info)
 class UnknownShape : public KeyedRows {};
 
 // An unknown shape number is no error: reads give their row's neutral
-// value, and nothing at all changes.
+// value, and nothing at all changes. Group members answer so for a shape
+// that is no group too, and the list of members with S_FALSE.
 TEST_P(UnknownShape, GivesTheNeutralValueAndChangesNothing)
 {
     const MemberRow& row = *GetParam();
-    std::vector<Variant> args{Variant::I4(9999)};
-    for (size_t i = 1; i < row.args.size(); ++i) args.push_back(Filler(row.args[i].type));
-    if (row.kind == Kind::PropertyPut) args.push_back(Filler(row.result));
-    std::string before = Fingerprint(control);
-    Variant result = Variant::Error(12345);
-    EXPECT_EQ(control.Invoke(row.dispid, row.kind, args, &result), hresult::Ok);
-    EXPECT_EQ(Fingerprint(control), before);
     const HandRow& hand = Hand().memberRows.at(row.dispid);
-    if (row.kind == Kind::PropertyPut || row.result == AutoType::Void) {
-        EXPECT_EQ(result, Variant::Error(12345)) << "nothing to read";
-    } else {
-        ASSERT_FALSE(hand.neutral.empty()) << row.name << " needs its neutral value in members.txt";
-        EXPECT_EQ(result, Expected(hand.neutral, row.result)) << row.name;
+    const bool groupRow = row.args[0].name == "GroupNumber";
+    for (int32_t number : {9999, groupRow ? 1 : 9999}) {
+        std::vector<Variant> args{Variant::I4(number)};
+        for (size_t i = 1; i < row.args.size(); ++i) args.push_back(Filler(row.args[i].type));
+        if (row.kind == Kind::PropertyPut) args.push_back(Filler(row.result));
+        std::string before = Fingerprint(control);
+        Variant result = Variant::Error(12345);
+        EXPECT_EQ(control.Invoke(row.dispid, row.kind, args, &result), hand.neutral == "null" ? hresult::False : hresult::Ok);
+        EXPECT_EQ(Fingerprint(control), before) << row.name << " " << number;
+        if (row.kind == Kind::PropertyPut || row.result == AutoType::Void) {
+            EXPECT_EQ(result, Variant::Error(12345)) << "nothing to read";
+        } else if (hand.neutral == "null") {
+            EXPECT_EQ(result.TypeWord(), 8195);
+            EXPECT_FALSE(result.HasArrayData());
+        } else {
+            ASSERT_FALSE(hand.neutral.empty()) << row.name << " needs its neutral value in members.txt";
+            EXPECT_EQ(result, Expected(hand.neutral, row.result)) << row.name;
+        }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, UnknownShape, ::testing::ValuesIn(RowsKeyedBy("ShapeNumber", false)), RowName);
+std::vector<const MemberRow*> RowsKeyedByNumber()
+{
+    std::vector<const MemberRow*> rows = RowsKeyedBy("ShapeNumber", false);
+    for (const MemberRow* row : RowsKeyedBy("GroupNumber", false)) rows.push_back(row);
+    return rows;
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, UnknownShape, ::testing::ValuesIn(RowsKeyedByNumber()), RowName);
 
 class BadLayer : public KeyedRows {};
 

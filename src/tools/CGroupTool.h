@@ -1,0 +1,17 @@
+// Makes an empty group with one click; the host fills it.
+#pragma once
+
+#include "CDrawTool.h"
+
+namespace bvx {
+
+class CGroupTool : public CDrawTool {
+public:
+    using CDrawTool::CDrawTool;
+
+    void OnLButtonDown(CadView& view, uint32_t flags, const WorldPoint& point) override;
+    void OnMouseMove(CadView& view, uint32_t flags, const WorldPoint& point) override;
+    int32_t CreateShape(CadView& view, int16_t type, int32_t layerNumber) override;
+};
+
+} // namespace bvx
