@@ -1,4 +1,5 @@
 #include "AutomationNames.h"
+#include "Identities.h"
 
 #include <charconv>
 #include <cmath>
@@ -63,6 +64,31 @@ std::string Utf8(std::u16string_view text)
         for (int k = trailing - 1; k >= 0; --k) out += char(0x80 | ((c >> (6 * k)) & 63));
     }
     return out;
+}
+
+bool IsHidden(const members::MemberRow& row) { return row.name.starts_with("Hidden"); }
+
+std::string VtableName(const members::MemberRow& row)
+{
+    switch (row.kind) {
+    case members::Kind::PropertyGet: return "get_" + std::string(row.name);
+    case members::Kind::PropertyPut: return "put_" + std::string(row.name);
+    case members::Kind::Method: break;
+    }
+    return std::string(row.name);
+}
+
+std::string GuidInitializer(std::string_view guid)
+{
+    // 8-4-4-4-12: one 32-bit, two 16-bit fields, then eight bytes.
+    std::string hex;
+    for (char c : guid)
+        if (c != '-') hex += c;
+    if (hex.size() != 32) return "{}";
+    auto field = [&](size_t from, size_t length) { return "0x" + hex.substr(from, length); };
+    std::string out = "{" + field(0, 8) + ", " + field(8, 4) + ", " + field(12, 4) + ", {";
+    for (size_t i = 16; i < 32; i += 2) out += field(i, 2) + (i + 2 < 32 ? ", " : "");
+    return out + "}}";
 }
 
 } // namespace bvx::membergen

@@ -25,6 +25,7 @@ inline constexpr EnumValue kToolValues[] = {
     {"bvxGroup", 18},         {"bvxCircle", 19}, {"bvxEllipse", 20},
 };
 
+// The IDL's type names, which the C++ header spells the same way.
 std::string_view IdlTypeName(members::AutoType type);
 std::string_view BasicTypeName(members::AutoType type);
 
@@ -34,5 +35,12 @@ std::string_view BasicTypeName(members::AutoType type);
 std::string DefaultNumberText(const members::ArgSpec& arg);
 
 std::string Utf8(std::u16string_view text);
+
+// Members that browsers should not list: the scratch values of the property
+// pages, whose names say so.
+bool IsHidden(const members::MemberRow& row);
+
+// The name of a member's vtable entry: get_X and put_X for properties.
+std::string VtableName(const members::MemberRow& row);
 
 } // namespace bvx::membergen

@@ -1,6 +1,7 @@
 #include "IdlWriter.h"
 
 #include "AutomationNames.h"
+#include "Identities.h"
 
 #include <string>
 
@@ -10,13 +11,6 @@ namespace {
 
 using members::AutoType;
 using members::Kind;
-
-// Published identities: changing one breaks every compiled host.
-constexpr std::string_view kLibraryGuid = "A250DE84-C0DF-41F5-93EB-E12A2193F0DB";
-constexpr std::string_view kInterfaceGuid = "C81D56D2-DCF4-4744-BAFB-EACEA1AE48F8";
-constexpr std::string_view kEventsGuid = "08CA20DF-BA41-417C-8E18-2487CE1EA33D";
-constexpr std::string_view kCoclassGuid = "D27BBB98-BAF8-4BB3-BEA3-91D6E77B19D3";
-constexpr std::string_view kToolEnumGuid = "0A3178EE-3AF2-4AA9-AA5A-CB1C02FF3493";
 
 // widl ships without the SDK's oaidl.idl and ocidl.idl; these declarations
 // stand in for them. The compiler matches them by name against stdole2.tlb,
@@ -76,6 +70,7 @@ std::string ParameterList(std::span<const members::ArgSpec> args, std::string_vi
 void WriteMember(std::ostream& out, const members::MemberRow& row)
 {
     std::string attributes = "id(" + std::to_string(row.dispid) + ")";
+    if (IsHidden(row)) attributes += ", hidden";
     std::string last;
     const std::string type(IdlTypeName(row.result));
     switch (row.kind) {
@@ -118,7 +113,7 @@ void WriteIdl(std::ostream& out)
     out << "// bvxcad.idl: made by bvx_membergen from MemberTable.def and EventTable.def.\n\n"
         << kWidlPrelude << "\n"
         << "[uuid(" << kLibraryGuid << "), version(1.0), helpstring(\"ORVANE CAD control\")]\n"
-        << "library ORVANELib\n{\n"
+        << "library " << kLibraryName << "\n{\n"
         << "    importlib(\"stdole2.tlb\");\n\n";
     WriteToolEnum(out);
 
