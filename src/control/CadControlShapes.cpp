@@ -59,7 +59,8 @@ bool CadControl::ShapeConvert(int32_t number, int16_t type, int16_t mode, double
 {
     if (mode < 0 || mode > 3) return false;
     CObjShape* source = Shape(number);
-    std::unique_ptr<CObjShape> target = NewShapeOfClass(type);
+    // Points and groups are no conversion's result.
+    std::unique_ptr<CObjShape> target = type == bvxPoint || type == bvxGroup ? nullptr : NewShapeOfClass(type);
     if (!source || !target) return false;
     source->CopyBaseTo(*target);
     // The new shape keeps the look the old one had, inherited or not.
