@@ -10,6 +10,7 @@ PACKAGES=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64
   emscripten nodejs
   libcairo2-dev
+  libfreetype-dev libfontconfig-dev fonts-liberation2 dpkg-dev
   netpbm
 )
 

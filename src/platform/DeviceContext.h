@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Color.h"
+#include "Font.h"
 #include "GdiObjects.h"
 #include "Geometry.h"
 
@@ -12,20 +13,6 @@
 #include <string_view>
 
 namespace bvx {
-
-// Fonts arrive with the font engine; the device only passes handles along.
-class Font;
-using FontHandle = std::shared_ptr<const Font>;
-
-struct TextMetrics {
-    int32_t height = 0;
-    int32_t ascent = 0;
-    int32_t descent = 0;
-    int32_t internalLeading = 0;
-    int32_t externalLeading = 0;
-    int32_t aveCharWidth = 0;
-    int32_t maxCharWidth = 0;
-};
 
 struct DeviceSize {
     int32_t cx = 0;
@@ -103,6 +90,8 @@ public:
     virtual bool TextOutA(int32_t x, int32_t y, std::string_view text) = 0;
     virtual bool GetTextExtentPoint32A(std::string_view text, DeviceSize& size) const = 0;
     virtual bool GetTextMetricsA(TextMetrics& metrics) const = 0;
+    // For the characters first to last; false when no font can tell.
+    virtual bool GetCharABCWidthsA(uint8_t first, uint8_t last, AbcWidth* widths) const = 0;
 
     virtual int32_t DpiX() const = 0;
     virtual int32_t DpiY() const = 0;

@@ -717,22 +717,6 @@ bool RasterDeviceContext::RestoreDC(int32_t saved)
     return true;
 }
 
-// ---- text (arrives with the font engine) --------------------------------
-
-bool RasterDeviceContext::TextOutA(int32_t, int32_t, std::string_view) { return false; }
-
-bool RasterDeviceContext::GetTextExtentPoint32A(std::string_view, DeviceSize& size) const
-{
-    size = {};
-    return false;
-}
-
-bool RasterDeviceContext::GetTextMetricsA(TextMetrics& metrics) const
-{
-    metrics = {};
-    return false;
-}
-
 std::unique_ptr<DeviceContext> RasterDeviceContext::CreateCompatibleDC() const
 {
     return std::make_unique<RasterDeviceContext>(nullptr, dpiX_, dpiY_);

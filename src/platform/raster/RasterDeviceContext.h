@@ -75,6 +75,7 @@ public:
     bool TextOutA(int32_t x, int32_t y, std::string_view text) override;
     bool GetTextExtentPoint32A(std::string_view text, DeviceSize& size) const override;
     bool GetTextMetricsA(TextMetrics& metrics) const override;
+    bool GetCharABCWidthsA(uint8_t first, uint8_t last, AbcWidth* widths) const override;
 
     int32_t DpiX() const override { return dpiX_; }
     int32_t DpiY() const override { return dpiY_; }
@@ -121,6 +122,10 @@ private:
                  int32_t xEnd, int32_t yEnd, int kind);
     bool PenDeviceRect(const Stroke& stroke, int64_t& left, int64_t& top, int64_t& right, int64_t& bottom) const;
     bool PatRect(int64_t x, int64_t y, int64_t width, int64_t height, const Brush* brush, Rop2 rop);
+    // The selected font, or the device's own when none is.
+    const Font* TextFont() const;
+    // Fills the quadrilateral of a text's cell, underline or strike-out line.
+    void FillTextQuad(const DevicePoint (&corners)[4], ColorRef color);
 
     State state_;
     std::vector<State> saved_;

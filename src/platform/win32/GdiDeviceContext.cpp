@@ -64,9 +64,31 @@ HBRUSH MakeGdiBrush(const Brush& brush)
     return ::CreateBrushIndirect(&lb);
 }
 
+// Monochrome, as the raster device draws text.
+HFONT MakeGdiFont(const Font& font)
+{
+    const LogFont& f = font.Spec();
+    LOGFONTA lf{};
+    lf.lfHeight = f.height;
+    lf.lfWidth = f.width;
+    lf.lfEscapement = f.escapement;
+    lf.lfOrientation = f.orientation;
+    lf.lfWeight = f.weight;
+    lf.lfItalic = f.italic;
+    lf.lfUnderline = f.underline;
+    lf.lfStrikeOut = f.strikeOut;
+    lf.lfCharSet = f.charSet;
+    lf.lfOutPrecision = f.outPrecision;
+    lf.lfClipPrecision = f.clipPrecision;
+    lf.lfQuality = NONANTIALIASED_QUALITY;
+    lf.lfPitchAndFamily = f.pitchAndFamily;
+    f.faceName.copy(lf.lfFaceName, sizeof lf.lfFaceName - 1);
+    return ::CreateFontIndirectA(&lf);
+}
+
 GdiDeviceContext::GdiDeviceContext(HDC hdc, bool ownsDc)
     : hdc_(hdc), ownsDc_(ownsDc), originalPen_(::GetCurrentObject(hdc, OBJ_PEN)),
-      originalBrush_(::GetCurrentObject(hdc, OBJ_BRUSH))
+      originalBrush_(::GetCurrentObject(hdc, OBJ_BRUSH)), originalFont_(::GetCurrentObject(hdc, OBJ_FONT))
 {
 }
 
@@ -74,8 +96,9 @@ GdiDeviceContext::~GdiDeviceContext()
 {
     ::SelectObject(hdc_, originalPen_);
     ::SelectObject(hdc_, originalBrush_);
-    std::vector<HGDIOBJ> all{current_.gdiPen, current_.gdiBrush};
-    for (auto& s : saved_) all.insert(all.end(), {s.gdiPen, s.gdiBrush});
+    ::SelectObject(hdc_, originalFont_);
+    std::vector<HGDIOBJ> all{current_.gdiPen, current_.gdiBrush, current_.gdiFont};
+    for (auto& s : saved_) all.insert(all.end(), {s.gdiPen, s.gdiBrush, s.gdiFont});
     current_ = {};
     saved_.clear();
     DeleteUnreferenced(std::move(all));
@@ -87,7 +110,9 @@ void GdiDeviceContext::DeleteUnreferenced(std::vector<HGDIOBJ> candidates)
     std::sort(candidates.begin(), candidates.end());
     candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
     auto referenced = [&](HGDIOBJ object) {
-        auto holds = [&](const Selection& s) { return s.gdiPen == object || s.gdiBrush == object; };
+        auto holds = [&](const Selection& s) {
+            return s.gdiPen == object || s.gdiBrush == object || s.gdiFont == object;
+        };
         return holds(current_) || std::any_of(saved_.begin(), saved_.end(), holds);
     };
     for (HGDIOBJ object : candidates)
@@ -117,7 +142,10 @@ BrushHandle GdiDeviceContext::SelectBrush(BrushHandle brush)
     return Swap(std::move(brush), current_.brush, current_.gdiBrush, originalBrush_, MakeGdiBrush);
 }
 
-FontHandle GdiDeviceContext::SelectFont(FontHandle) { return nullptr; }
+FontHandle GdiDeviceContext::SelectFont(FontHandle font)
+{
+    return Swap(std::move(font), current_.font, current_.gdiFont, originalFont_, MakeGdiFont);
+}
 BitmapHandle GdiDeviceContext::SelectBitmap(BitmapHandle) { return nullptr; }
 
 BackMode GdiDeviceContext::SetBkMode(BackMode mode) { return BackMode(::SetBkMode(hdc_, int(mode))); }
@@ -252,9 +280,9 @@ bool GdiDeviceContext::RestoreDC(int32_t saved)
     int32_t depth = int32_t(saved_.size());
     int32_t target = saved < 0 ? depth + saved : saved - 1;
     if (target < 0 || target >= depth || !::RestoreDC(hdc_, saved)) return false;
-    std::vector<HGDIOBJ> candidates{current_.gdiPen, current_.gdiBrush};
+    std::vector<HGDIOBJ> candidates{current_.gdiPen, current_.gdiBrush, current_.gdiFont};
     for (size_t i = size_t(target); i < saved_.size(); ++i)
-        candidates.insert(candidates.end(), {saved_[i].gdiPen, saved_[i].gdiBrush});
+        candidates.insert(candidates.end(), {saved_[i].gdiPen, saved_[i].gdiBrush, saved_[i].gdiFont});
     current_ = saved_[size_t(target)];
     saved_.resize(size_t(target));
     DeleteUnreferenced(std::move(candidates));
@@ -304,6 +332,15 @@ bool GdiDeviceContext::GetTextMetricsA(TextMetrics& metrics) const
     if (!::GetTextMetricsA(hdc_, &tm)) return false;
     metrics = {tm.tmHeight,          tm.tmAscent,       tm.tmDescent,     tm.tmInternalLeading,
                tm.tmExternalLeading, tm.tmAveCharWidth, tm.tmMaxCharWidth};
+    return true;
+}
+
+bool GdiDeviceContext::GetCharABCWidthsA(uint8_t first, uint8_t last, AbcWidth* widths) const
+{
+    if (last < first || !widths) return false;
+    std::vector<ABC> abc(size_t(last - first) + 1);
+    if (!::GetCharABCWidthsA(hdc_, first, last, abc.data())) return false;
+    for (size_t i = 0; i < abc.size(); ++i) widths[i] = {abc[i].abcA, abc[i].abcB, abc[i].abcC};
     return true;
 }
 

@@ -75,6 +75,7 @@ public:
     bool TextOutA(int32_t x, int32_t y, std::string_view text) override;
     bool GetTextExtentPoint32A(std::string_view text, DeviceSize& size) const override;
     bool GetTextMetricsA(TextMetrics& metrics) const override;
+    bool GetCharABCWidthsA(uint8_t first, uint8_t last, AbcWidth* widths) const override;
 
     int32_t DpiX() const override;
     int32_t DpiY() const override;
@@ -87,8 +88,10 @@ private:
     struct Selection {
         PenHandle pen;
         BrushHandle brush;
+        FontHandle font;
         HGDIOBJ gdiPen = nullptr;
         HGDIOBJ gdiBrush = nullptr;
+        HGDIOBJ gdiFont = nullptr;
     };
 
     // Deletes the GDI objects that neither the current nor a saved state holds.
@@ -100,6 +103,7 @@ private:
     bool ownsDc_;
     HGDIOBJ originalPen_;
     HGDIOBJ originalBrush_;
+    HGDIOBJ originalFont_;
     Selection current_;
     std::vector<Selection> saved_;
 };
