@@ -16,6 +16,7 @@
 namespace bvx {
 
 class CGroupShape;
+class CTextShape;
 
 // A member's answer when it is more than a value: another result code, or
 // an output the member leaves unwritten.
@@ -163,7 +164,18 @@ public:
     int32_t DrawThreePointArc(double x1, double y1, double x2, double y2, double x3, double y3, int16_t layer);
     int32_t DrawCircle(double cx, double cy, double r, int16_t layer);
     int32_t DrawPoint(double x, double y, int16_t layer);
+    int32_t TextAdd(int16_t layer, std::u16string text, double x, double y, int16_t font);
     int32_t ShapeAdd(int32_t type, int16_t layer);
+
+    int16_t FontOpen(std::u16string name, int16_t scale);
+    void FontClose(int16_t handle);
+    void FontSet(int16_t handle, int16_t align, int16_t justify, int16_t orientation);
+    int16_t GetFontCurrent();
+    void PutFontCurrent(int16_t handle);
+    std::u16string GetShapeText(int32_t number);
+    void PutShapeText(int32_t number, std::u16string text);
+    int16_t GetShapeTextOrientation(int32_t number);
+    void PutShapeTextOrientation(int32_t number, int16_t tenths);
 
     bool GroupAddShape(int32_t group, int32_t number);
     bool GroupAddSelection(int32_t group);
@@ -314,12 +326,15 @@ private:
     void OnKeyDown(uint64_t key);
     void OnKeyUp(uint64_t key);
     void OnCommand(uint64_t wParam);
+    void OnChar(uint64_t wParam);
     void ShowToolMenu(DevicePoint point);
     // The world point of a press: exact after the pointer was put on a snap.
     WorldPoint PressPoint(DevicePoint point) const;
     bool OutsideView(DevicePoint point) const;
 
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
+    // The text of a number; null for an unknown one or a shape of another type.
+    CTextShape* Text(int32_t number) const;
     // The group of a number; null for an unknown one or a shape of another type.
     CGroupShape* Group(int32_t number) const;
     void PutWorldEdge(double& edge, double value, int32_t mode);

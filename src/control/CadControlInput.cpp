@@ -68,7 +68,7 @@ int64_t CadControl::WindowProc(uint32_t msg, uint64_t wParam, int64_t lParam)
     case wm::EraseBackground:
     case wm::HScroll:
     case wm::VScroll: return 0;
-    case wm::Char: return 0; // typed text goes to text shapes, which this build has not yet
+    case wm::Char: OnChar(wParam); return 0;
     case wm::KeyDown: OnKeyDown(wParam); return 0;
     case wm::KeyUp: OnKeyUp(wParam); return 0;
     case wm::SetCursor: OnSetCursor(); return 0;

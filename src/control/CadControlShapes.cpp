@@ -59,8 +59,9 @@ bool CadControl::ShapeConvert(int32_t number, int16_t type, int16_t mode, double
 {
     if (mode < 0 || mode > 3) return false;
     CObjShape* source = Shape(number);
-    // Points and groups are no conversion's result.
-    std::unique_ptr<CObjShape> target = type == bvxPoint || type == bvxGroup ? nullptr : NewShapeOfClass(type);
+    // Texts, points and groups are no conversion's result.
+    const bool convertible = type != bvxText && type != bvxPoint && type != bvxGroup;
+    std::unique_ptr<CObjShape> target = convertible ? NewShapeOfClass(type) : nullptr;
     if (!source || !target) return false;
     source->CopyBaseTo(*target);
     // The new shape keeps the look the old one had, inherited or not.
@@ -131,9 +132,11 @@ void CadControl::CadClearAll()
     view_.CancelMouse();
     view_.Buf.BackPic.reset();
     view_.Buf.ClearAll();
+    view_.FontTable.ResetFonts();
     view_.Buf.SnapMarkerUp = 0;
     view_.Clear();
     view_.Buf.Reset();
+    view_.FontTable.InitDefaultFont();
     Refresh();
 }
 

@@ -1,6 +1,7 @@
 #include "CadView.h"
 
 #include "platform/DeviceContext.h"
+#include "platform/raster/RasterDeviceContext.h"
 #include "shapes/CGroupShape.h"
 #include "tools/ToolBox.h"
 #include "world/Rounding.h"
@@ -240,6 +241,19 @@ int16_t CadView::LayerLineType(int16_t layer) const
 {
     const CadLayer* owner = Buf.Layer(layer);
     return owner ? owner->LineType : 0;
+}
+
+void CadView::WithWindowDC(const std::function<void(DeviceContext&)>& measure)
+{
+    if (Window) {
+        if (std::unique_ptr<DeviceContext> dc = Window->GetDC()) {
+            measure(*dc);
+            Window->ReleaseDC(std::move(dc));
+            return;
+        }
+    }
+    RasterDeviceContext memory;
+    measure(memory);
 }
 
 const ShapeAttr& CadView::LayerLook(int16_t layer) const

@@ -7,6 +7,7 @@
 #include "CadColorTable.h"
 #include "EventSink.h"
 #include "buffer/CadBuf.h"
+#include "buffer/CadFontTable.h"
 #include "platform/HostWindow.h"
 #include "shapes/ShapeContext.h"
 
@@ -34,10 +35,9 @@ public:
     CadView& operator=(const CadView&) = delete;
 
     CadBuf Buf;
+    CadFontTable FontTable;
 
     bool CaretOn = false;
-    int32_t CaretX = 0;
-    int32_t CaretY = 0;
     EventSink* Owner = nullptr;
     bool ViewReady = false;
     bool NeedRepaint = true;
@@ -80,6 +80,8 @@ public:
     CObjShape* FindShape(int32_t number) const override { return Buf.FindShape(number); }
     int16_t LayerLineType(int16_t layer) const override;
     const ShapeAttr& LayerLook(int16_t layer) const override;
+    CadFontTable& Fonts() override { return FontTable; }
+    void WithWindowDC(const std::function<void(DeviceContext&)>& measure) override;
     bool ShowTracker() const override { return Buf.ShowTracker; }
     int16_t SelectMode() const override { return Buf.SelectMode; }
     void SnapPointerTo(const WorldPoint& point, DevicePoint press) override;

@@ -10,9 +10,11 @@
 #include "world/CadWorld.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace bvx {
 
+class CadFontTable;
 class CObjShape;
 class DeviceContext;
 
@@ -33,6 +35,9 @@ public:
     // The distance and angle a drag reports to the host.
     double ReadoutDistance = 0;
     double ReadoutAngle = 0;
+    // Where the text caret goes: the upper right of the text last measured.
+    int32_t CaretX = 0;
+    int32_t CaretY = 0;
 
     // Repaint requests: the old bounds before a change (commit false), the new
     // ones after it (commit true); a null shape means the whole view.
@@ -51,6 +56,11 @@ public:
     // What the document knows that a shape may need.
     virtual CObjShape* FindShape(int32_t number) const = 0;
     virtual int16_t LayerLineType(int16_t layer) const = 0;
+    // The fonts text shapes refer to.
+    virtual CadFontTable& Fonts() = 0;
+    // Runs `measure` on a device context of the window (a memory one when
+    // there is no window), as text measuring needs one.
+    virtual void WithWindowDC(const std::function<void(DeviceContext&)>& measure) = 0;
     // A layer's own pen and brush record.
     virtual const ShapeAttr& LayerLook(int16_t layer) const = 0;
     virtual bool ShowTracker() const = 0;

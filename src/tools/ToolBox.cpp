@@ -2,7 +2,7 @@
 
 namespace bvx {
 
-ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this), Point(*this), Group(*this) {}
+ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this), Point(*this), Group(*this), Text(*this) {}
 
 CDrawTool* ToolBox::ToolFor(int16_t value)
 {
@@ -28,6 +28,7 @@ CDrawTool* ToolBox::ToolFor(int16_t value)
     case bvxChord: return &Arc;
     case bvxPoint: return &Point;
     case bvxGroup: return &Group;
+    case bvxText: return &Text;
     default: return nullptr; // the other shapes' tools come with their shapes
     }
 }

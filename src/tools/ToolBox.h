@@ -10,6 +10,7 @@
 #include "CPolyTool.h"
 #include "CRectTool.h"
 #include "CSelectTool.h"
+#include "CTextTool.h"
 #include "platform/Geometry.h"
 
 namespace bvx {
@@ -40,6 +41,7 @@ public:
     CPolyTool Poly;
     CPointTool Point;
     CGroupTool Group;
+    CTextTool Text;
 };
 
 } // namespace bvx
