@@ -2,6 +2,7 @@
 #include "CadControl.h"
 
 #include "CadControlSupport.h"
+#include "shapes/CTextShape.h"
 
 #include <algorithm>
 #include <cmath>
@@ -69,7 +70,20 @@ void CadControl::WorldExtents()
     for (size_t l = view_.Buf.Layers.size(); l-- > 1;) {
         const CadLayer& layer = *view_.Buf.Layers[l];
         if (!(layer.Action & LayerActions::Show)) continue;
-        for (size_t i = layer.Shapes.size(); i-- > 0;) shapes.Add(layer.Shapes[i]->GetWorldBounds(view_));
+        for (size_t i = layer.Shapes.size(); i-- > 0;) {
+            CObjShape& shape = *layer.Shapes[i];
+            if (shape.GetShapeType() != bvxText) {
+                shapes.Add(shape.GetWorldBounds(view_));
+                continue;
+            }
+            // A text has no bounds without its font: it measures itself in a
+            // world just big enough around its anchor.
+            auto& text = static_cast<CTextShape&>(shape);
+            const WorldPoint p = text.Origin;
+            w.SetWorld(p.x, p.y, p.x + 5 * w.SignX, p.y + text.Font.Height * w.SignY, 1);
+            WorldRect measured;
+            if (text.MeasureWorld(view_, measured)) shapes.Add(measured);
+        }
     }
     const WorldRect& all = shapes.Result();
     w.SetWorld(all.left, all.top, all.right, all.bottom, 0);
