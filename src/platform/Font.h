@@ -61,6 +61,10 @@ struct AbcWidth {
 struct GlyphImage {
     int32_t left = 0; // from the pen to the first column
     int32_t top = 0;  // from the pen up to the first row
+    // Where the pen goes next along the turned baseline, in whole pixels
+    // (y down), as each turned glyph is placed.
+    int32_t stepX = 0;
+    int32_t stepY = 0;
     int32_t width = 0;
     int32_t rows = 0;
     int32_t pitch = 0;
@@ -81,8 +85,8 @@ public:
     virtual int32_t Advance(uint8_t ch) const = 0;
     virtual AbcWidth Abc(uint8_t ch) const = 0;
     virtual GlyphImage Glyph(uint8_t ch) const = 0;
-    // Below the baseline to the underline's top, and its thickness; the same
-    // for the strike-out line (which lies above the baseline).
+    // From the baseline down to the underline's top row, and its thickness;
+    // from the baseline up to the strike-out line's top row, and its own.
     virtual int32_t UnderlinePosition() const = 0;
     virtual int32_t UnderlineThickness() const = 0;
     virtual int32_t StrikeOutPosition() const = 0;

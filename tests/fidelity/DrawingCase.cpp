@@ -43,6 +43,24 @@ bool ParseColor(const std::string& word, ColorRef& color)
     return true;
 }
 
+FontMaker fontMaker = nullptr;
+
+// The case file is ASCII: \xNN stands for a byte of the code page.
+std::string CodePageText(const std::string& text)
+{
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        uint32_t byte = 0;
+        if (text.compare(i, 2, "\\x") == 0 && i + 4 <= text.size() && ParseHex(text.substr(i + 2, 2), byte)) {
+            out += char(byte);
+            i += 3;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
 const std::map<std::string, uint32_t> kRops = {
     {"patcopy", RasterOp::PatCopy},     {"patinvert", RasterOp::PatInvert}, {"dstinvert", RasterOp::DstInvert},
     {"blackness", RasterOp::Blackness}, {"whiteness", RasterOp::Whiteness}, {"srccopy", RasterOp::SrcCopy},
@@ -126,6 +144,24 @@ public:
         if (is("dib", 5) || is("dib", 6)) return StartDib(n);
         if (verb == "colors" && is("colors", 0, a.c.size()) && !a.c.empty()) return AddColors(a.c);
         // A paint that draws nothing is a mistake in the case, not a result.
+        // font FACE HEIGHT WEIGHT ITALIC UNDERLINE STRIKEOUT ESCAPEMENT, with _ for
+        // the spaces of the face; text X Y WORDS... with the words' own spaces.
+        if (is("font", 6, 0, 1) && fontMaker) {
+            LogFont f;
+            f.faceName = a.w[0];
+            std::replace(f.faceName.begin(), f.faceName.end(), '_', ' ');
+            f.height = n[0], f.weight = n[1], f.italic = uint8_t(n[2]), f.underline = uint8_t(n[3]);
+            f.strikeOut = uint8_t(n[4]), f.escapement = f.orientation = n[5];
+            FontHandle font = fontMaker(f);
+            return font && (dc_.SelectFont(std::move(font)), true);
+        }
+        if (is("textcolor", 0, 1)) return dc_.SetTextColor(a.c[0]), true;
+        if (verb == "text" && words.size() >= 4 && a.n.size() >= 2 && words[1] == std::to_string(n[0]) &&
+            words[2] == std::to_string(n[1])) {
+            std::string line = words[3];
+            for (size_t i = 4; i < words.size(); ++i) line += ' ' + words[i];
+            return dc_.TextOutA(n[0], n[1], CodePageText(line));
+        }
         if (is("setdibits", 6)) return dc_.SetDIBitsToDevice(n[0], n[1], n[2], n[3], n[4], n[5], Dib()) != 0;
         if (is("stretchdibits", 8))
             return dc_.StretchDIBits(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7], Dib(), RasterOp::SrcCopy) != 0;
@@ -275,6 +311,8 @@ CaseFile ParseCaseFile(const std::string& path)
     if (open) file.error = path + ": case " + open->name + " has no end";
     return file;
 }
+
+void SetFontMaker(FontMaker maker) { fontMaker = maker; }
 
 bool PlayCase(const DrawingCase& drawing, DeviceContext& dc, std::string& error)
 {

@@ -32,6 +32,11 @@ struct CaseFile {
 
 CaseFile ParseCaseFile(const std::string& path);
 
+// How each side makes the font a case asks for: the raster device from the
+// font engine, GDI from the logical font alone.
+using FontMaker = FontHandle (*)(const LogFont&);
+void SetFontMaker(FontMaker maker);
+
 // Clears the surface to white and plays the commands; false names the
 // first command it could not understand in `error`.
 bool PlayCase(const DrawingCase& drawing, DeviceContext& dc, std::string& error);

@@ -2,6 +2,7 @@
 // every drawing case identical and every region probe answered alike, but
 // for the reviewed differences listed in tests/data/gdi_known_differences.txt.
 #include "DrawingCase.h"
+#include "platform/FontEngine.h"
 #include "PixelFile.h"
 #include "platform/Region.h"
 #include "platform/raster/RasterDeviceContext.h"
@@ -68,7 +69,11 @@ struct Tally {
 
 class Fidelity : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { cases_ = ParseCaseFile(BVX_TEST_DATA_DIR "/gdi_cases.txt"); }
+    static void SetUpTestSuite()
+    {
+        cases_ = ParseCaseFile(BVX_TEST_DATA_DIR "/gdi_cases.txt");
+        SetFontMaker([](const LogFont& f) { return FontEngine::Shared().CreateFont(f); });
+    }
     static CaseFile cases_;
 };
 CaseFile Fidelity::cases_;

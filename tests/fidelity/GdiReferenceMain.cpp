@@ -6,6 +6,8 @@
 #include "platform/win32/GdiDeviceContext.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 using namespace bvx;
@@ -27,11 +29,41 @@ HRGN MakeRegion(const RegionCase& r)
     return nullptr;
 }
 
+// GDI needs only the logical font; it measures and draws by itself.
+class LogicalFont final : public Font {
+public:
+    using Font::Font;
+    const TextMetrics& Metrics() const override { return metrics_; }
+    int32_t Advance(uint8_t) const override { return 0; }
+    AbcWidth Abc(uint8_t) const override { return {}; }
+    GlyphImage Glyph(uint8_t) const override { return {}; }
+    int32_t UnderlinePosition() const override { return 0; }
+    int32_t UnderlineThickness() const override { return 0; }
+    int32_t StrikeOutPosition() const override { return 0; }
+    int32_t StrikeOutThickness() const override { return 0; }
+
+private:
+    TextMetrics metrics_;
+};
+
+// The faces the raster device draws with, lent to GDI for this process.
+int AddFaces(const char* folder)
+{
+    int added = 0;
+    std::error_code ec;
+    if (folder)
+        for (const auto& entry : std::filesystem::directory_iterator(folder, ec))
+            added += ::AddFontResourceExA(entry.path().string().c_str(), FR_PRIVATE, nullptr) > 0;
+    return added;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     if (argc != 3) return std::fprintf(stderr, "usage: gdi_reference CASES OUTDIR\n"), 2;
+    const int faces = AddFaces(std::getenv("BVX_FONT_DIR"));
+    SetFontMaker([](const LogFont& f) -> FontHandle { return std::make_shared<LogicalFont>(f); });
     CaseFile cases = ParseCaseFile(argv[1]);
     if (!cases.error.empty()) return std::fprintf(stderr, "%s\n", cases.error.c_str()), 1;
     std::string out = argv[2];
@@ -57,7 +89,7 @@ int main(int argc, char** argv)
         probes << '\n';
         if (region) ::DeleteObject(region);
     }
-    std::printf("gdi_reference: %zu pictures, %zu regions, %d failures\n", cases.drawings.size(),
-                cases.regions.size(), failures);
+    std::printf("gdi_reference: %zu pictures, %zu regions, %d faces, %d failures\n", cases.drawings.size(),
+                cases.regions.size(), faces, failures);
     return failures ? 1 : 0;
 }

@@ -65,16 +65,18 @@ bool RasterDeviceContext::TextOutA(int32_t x, int32_t y, std::string_view text)
     Bitmap& surface = *state_.bitmap;
     raster::ClipRegion clip = Clip();
     const DeviceRect& box = clip.Box();
-    double pen = 0;
+    // The pen moves in whole pixels, glyph by glyph: along the row by the
+    // hinted advances, or by each turned glyph's own rounded step.
+    const DevicePoint baseline = upright ? DevicePoint{x, y} : at(0, tm.ascent);
+    int64_t penX = baseline.x, penY = upright ? int64_t(y) + tm.ascent : baseline.y;
     for (char c : text) {
         const uint8_t ch = uint8_t(c);
         const GlyphImage g = font->Glyph(ch);
-        // Upright text keeps whole-pixel pen positions, as hinting placed them.
-        const double px = upright ? double(x) + pen : x + pen * ux + tm.ascent * dx;
-        const double py = upright ? double(y) + tm.ascent : y + pen * uy + tm.ascent * dy;
-        pen += font->Advance(ch);
+        const int64_t px = penX, py = penY;
+        penX += upright ? font->Advance(ch) : g.stepX;
+        penY += upright ? 0 : g.stepY;
         if (!g.bits) continue;
-        const int64_t left = int64_t(std::round(px)) + g.left, top = int64_t(std::round(py)) - g.top;
+        const int64_t left = px + g.left, top = py - g.top;
         if (left >= box.right || left + g.width <= box.left || top >= box.bottom || top + g.rows <= box.top) continue;
         for (int32_t row = int32_t(std::max<int64_t>(0, box.top - top)); row < g.rows && top + row < box.bottom; ++row) {
             const uint8_t* bits = g.bits + size_t(row) * size_t(g.pitch);

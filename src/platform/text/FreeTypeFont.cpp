@@ -48,10 +48,15 @@ FreeTypeFont::FreeTypeFont(LogFont spec, FT_Face face, int32_t emPixels)
     }
     metrics_.aveCharWidth = os2 ? Scaled(os2->xAvgCharWidth) : em_ / 2;
     metrics_.maxCharWidth = Scaled(double(face_->bbox.xMax) - double(face_->bbox.xMin));
-    underlineThickness_ = std::max(1, Scaled(face_->underline_thickness));
-    underlinePosition_ = std::max(1, Scaled(-double(face_->underline_position)) - underlineThickness_ / 2);
-    strikeOutThickness_ = std::max(1, os2 ? Scaled(os2->yStrikeoutSize) : underlineThickness_);
-    strikeOutPosition_ = os2 ? Scaled(os2->yStrikeoutPosition) : metrics_.ascent / 3;
+    // The lines are centred on the positions the tables give, as the
+    // platform places them, each position rounded to a pixel first.
+    const auto* post = static_cast<const TT_Postscript*>(FT_Get_Sfnt_Table(face_, FT_SFNT_POST));
+    auto rounded = [&](double units) { return int32_t(std::floor(units * em_ / std::max<double>(face_->units_per_EM, 1) + 0.5)); };
+    underlineThickness_ = std::max(1, rounded(post ? double(post->underlineThickness) : face_->underline_thickness));
+    const int32_t underline = rounded(post ? double(int16_t(post->underlinePosition)) : face_->underline_position);
+    underlinePosition_ = -(underline + underlineThickness_ / 2);
+    strikeOutThickness_ = std::max(1, os2 ? rounded(os2->yStrikeoutSize) : underlineThickness_);
+    strikeOutPosition_ = (os2 ? rounded(os2->yStrikeoutPosition) : metrics_.ascent / 3) + strikeOutThickness_ / 2;
 }
 
 FreeTypeFont::~FreeTypeFont()
@@ -91,6 +96,8 @@ void FreeTypeFont::Render(uint8_t ch, GlyphEntry& entry) const
     }
     if (FT_Load_Glyph(face_, index, kLoadFlags | FT_LOAD_RENDER) != 0) return;
     const FT_GlyphSlot slot = face_->glyph;
+    entry.stepX = Pixels26(slot->advance.x);
+    entry.stepY = -Pixels26(slot->advance.y);
     const FT_Bitmap& bitmap = slot->bitmap;
     // The renderer writes rows top down, as a positive pitch says.
     if (bitmap.pixel_mode != FT_PIXEL_MODE_MONO || bitmap.rows == 0 || bitmap.width == 0 || bitmap.pitch <= 0)
@@ -106,7 +113,7 @@ void FreeTypeFont::Render(uint8_t ch, GlyphEntry& entry) const
 GlyphImage FreeTypeFont::Glyph(uint8_t ch) const
 {
     const GlyphEntry& e = Entry(ch);
-    return {e.left, e.top, e.width, e.rows, e.pitch, e.bits.empty() ? nullptr : e.bits.data()};
+    return {e.left, e.top, e.stepX, e.stepY, e.width, e.rows, e.pitch, e.bits.empty() ? nullptr : e.bits.data()};
 }
 
 } // namespace bvx::text

@@ -33,7 +33,7 @@ private:
         bool ready = false;
         int32_t advance = 0;
         AbcWidth abc;
-        int32_t left = 0, top = 0, width = 0, rows = 0, pitch = 0;
+        int32_t left = 0, top = 0, width = 0, rows = 0, pitch = 0, stepX = 0, stepY = 0;
         std::vector<uint8_t> bits;
     };
     const GlyphEntry& Entry(uint8_t ch) const;
