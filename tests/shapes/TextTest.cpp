@@ -89,5 +89,19 @@ TEST_F(Texts, TextsOfAClosedFontFallBackToTheDefaultOnceDrawn)
     EXPECT_LT(small.bottom - small.top, large.bottom - large.top);
 }
 
+// A text's font word names 256 slots; the table grows no further.
+TEST_F(Texts, TheTableEndsWhereAFontWordCanNoLongerNameASlot)
+{
+    int16_t last = 0;
+    for (int height = 1; height <= 300 && last >= 0; ++height) {
+        const std::string name = "Arial," + std::to_string(height) + ",N";
+        last = control.FontOpen(std::u16string(name.begin(), name.end()), 1);
+    }
+    EXPECT_EQ(last, -1);
+    EXPECT_EQ(View().FontTable.Slots.size(), 256u);
+    control.FontClose(200);
+    EXPECT_EQ(control.FontOpen(u"Arial,99,N", 1), 200) << "a closed slot is taken again";
+}
+
 } // namespace
 } // namespace bvx::shapetest
