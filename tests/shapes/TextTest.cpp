@@ -100,7 +100,7 @@ TEST_F(Texts, TheTableEndsWhereAFontWordCanNoLongerNameASlot)
     EXPECT_EQ(last, -1);
     EXPECT_EQ(View().FontTable.Slots.size(), 256u);
     control.FontClose(200);
-    EXPECT_EQ(control.FontOpen(u"Arial,99,N", 1), 200) << "a closed slot is taken again";
+    EXPECT_EQ(control.FontOpen(u"Arial,999,N", 1), 200) << "a closed slot is taken again";
 }
 
 } // namespace
