@@ -15,14 +15,6 @@ constexpr ColorRef kRed = 0x0000FF, kGreen = 0x00FF00, kBlue = 0xFF0000, kBlack 
 
 class Groups : public ControlTest {
 protected:
-    // What the window shows, painted afresh.
-    std::unique_ptr<DeviceContext> Painted()
-    {
-        std::unique_ptr<DeviceContext> dc = window.GetDC();
-        View().Redraw(0);
-        control.OnDraw(&window, *dc, window.GetClientRect());
-        return dc;
-    }
     // A square of side 10 whose left edge runs down device x `left`, rows 5 to 15.
     int32_t Square(double left) { return control.DrawRectangle(left, 95, left + 10, 85, 1); }
     int32_t Group(std::initializer_list<int32_t> members)

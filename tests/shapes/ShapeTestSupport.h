@@ -4,6 +4,7 @@
 
 #include "control/CadControl.h"
 #include "control/HostDoubles.h"
+#include "platform/DeviceContext.h"
 
 #include <gtest/gtest.h>
 
@@ -79,6 +80,14 @@ class ControlTest : public ::testing::Test {
 protected:
     ControlTest() : control(&window, &sink) { View().World.SetClientRect(window.client); }
     CadView& View() { return control.View(); }
+    // What the window shows, painted afresh.
+    std::unique_ptr<DeviceContext> Painted()
+    {
+        std::unique_ptr<DeviceContext> dc = window.GetDC();
+        View().Redraw(0);
+        control.OnDraw(&window, *dc, window.GetClientRect());
+        return dc;
+    }
     int32_t Path(int16_t type, const Pts& points, int16_t layer = 1)
     {
         const int32_t n = control.ShapeAdd(type, layer);

@@ -13,13 +13,6 @@ namespace {
 
 class Texts : public ControlTest {
 protected:
-    std::unique_ptr<DeviceContext> Painted()
-    {
-        std::unique_ptr<DeviceContext> dc = window.GetDC();
-        View().Redraw(0);
-        control.OnDraw(&window, *dc, window.GetClientRect());
-        return dc;
-    }
     CTextShape& TextShape(int32_t n) { return *static_cast<CTextShape*>(View().Buf.FindShape(n)); }
 };
 
