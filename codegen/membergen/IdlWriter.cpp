@@ -14,7 +14,8 @@ using members::Kind;
 
 // widl ships without the SDK's oaidl.idl and ocidl.idl; these declarations
 // stand in for them. The compiler matches them by name against stdole2.tlb,
-// so the type library still refers to the standard types.
+// so the type library still refers to the standard types; but it counts the
+// inherited vtable slots from these, so the base interfaces list every method.
 constexpr std::string_view kWidlPrelude = R"(#ifdef __WIDL__
 typedef long HRESULT;
 typedef unsigned short OLECHAR;
@@ -22,13 +23,23 @@ typedef OLECHAR* BSTR;
 typedef short VARIANT_BOOL;
 typedef [uuid(66504301-BE0F-101A-8BBB-00AA00300CAB), public] unsigned long OLE_COLOR;
 typedef struct tagVARIANT { unsigned short vt; } VARIANT;
-[object, uuid(00000000-0000-0000-C000-000000000046), pointer_default(unique)]
+[object, local, uuid(00000000-0000-0000-C000-000000000046), pointer_default(unique)]
 interface IUnknown
 {
+    HRESULT QueryInterface([in] void* riid, [out] void** ppvObject);
+    unsigned long AddRef();
+    unsigned long Release();
 }
-[object, uuid(00020400-0000-0000-C000-000000000046), pointer_default(unique)]
+[object, local, uuid(00020400-0000-0000-C000-000000000046), pointer_default(unique)]
 interface IDispatch : IUnknown
 {
+    HRESULT GetTypeInfoCount([out] unsigned int* pctinfo);
+    HRESULT GetTypeInfo([in] unsigned int iTInfo, [in] unsigned long lcid, [out] void** ppTInfo);
+    HRESULT GetIDsOfNames([in] void* riid, [in] void* rgszNames, [in] unsigned int cNames, [in] unsigned long lcid,
+                          [out] long* rgDispId);
+    HRESULT Invoke([in] long dispIdMember, [in] void* riid, [in] unsigned long lcid, [in] unsigned short wFlags,
+                   [in] void* pDispParams, [out] VARIANT* pVarResult, [out] void* pExcepInfo,
+                   [out] unsigned int* puArgErr);
 }
 #else
 import "oaidl.idl";
@@ -55,7 +66,13 @@ std::string DefaultValue(const members::ArgSpec& arg)
 
 std::string Parameter(const members::ArgSpec& arg)
 {
-    std::string attributes = arg.optional ? "[in, optional, defaultvalue(" + DefaultValue(arg) + ")] " : "[in] ";
+    std::string attributes = "[in] ";
+    // widl writes no default of a double into the type library, and one it
+    // tries leaves the function unreadable there; the control's own dispatch
+    // still fills it in when a caller leaves it out.
+    if (arg.optional)
+        attributes = arg.type == AutoType::R8 ? "[in, optional] "
+                                              : "[in, optional, defaultvalue(" + DefaultValue(arg) + ")] ";
     return attributes + std::string(IdlTypeName(arg.type)) + " " + std::string(arg.name);
 }
 

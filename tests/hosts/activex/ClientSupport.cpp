@@ -1,0 +1,136 @@
+#include "ClientSupport.h"
+
+#include <cstdio>
+#include <ostream>
+
+namespace bvx::client {
+
+namespace {
+
+// One apartment for the whole run, as a form's thread has.
+class ComApartment : public testing::Environment {
+public:
+    void SetUp() override { ASSERT_EQ(OleInitialize(nullptr), S_OK); }
+    void TearDown() override { OleUninitialize(); }
+};
+const testing::Environment* const kApartment = testing::AddGlobalTestEnvironment(new ComApartment);
+
+} // namespace
+
+Value Value::I2(short v)
+{
+    Value out;
+    V_VT(&out.v_) = VT_I2;
+    V_I2(&out.v_) = v;
+    return out;
+}
+
+Value Value::I4(long v)
+{
+    Value out;
+    V_VT(&out.v_) = VT_I4;
+    V_I4(&out.v_) = v;
+    return out;
+}
+
+Value Value::R8(double v)
+{
+    Value out;
+    V_VT(&out.v_) = VT_R8;
+    V_R8(&out.v_) = v;
+    return out;
+}
+
+Value Value::Bool(bool v)
+{
+    Value out;
+    V_VT(&out.v_) = VT_BOOL;
+    V_BOOL(&out.v_) = v ? VARIANT_TRUE : VARIANT_FALSE;
+    return out;
+}
+
+Value Value::Text(const wchar_t* v)
+{
+    Value out;
+    V_VT(&out.v_) = VT_BSTR;
+    V_BSTR(&out.v_) = SysAllocString(v);
+    return out;
+}
+
+double Value::Number() const
+{
+    VARIANT converted;
+    VariantInit(&converted);
+    if (FAILED(VariantChangeType(&converted, const_cast<VARIANT*>(&v_), 0, VT_R8))) return -999999.0;
+    return V_R8(&converted);
+}
+
+bool Value::operator==(const Value& other) const
+{
+    if (Type() != other.Type()) return false;
+    if (Type() == VT_BSTR) return VarBstrCmp(V_BSTR(&v_), V_BSTR(&other.v_), 0, 0) == VARCMP_EQ;
+    if (Type() == VT_EMPTY) return true;
+    return Number() == other.Number();
+}
+
+std::ostream& operator<<(std::ostream& out, const Value& v)
+{
+    out << "vt " << v.Type() << " ";
+    if (v.Type() == VT_BSTR) {
+        for (const OLECHAR* c = V_BSTR(&*v); c && *c; ++c) out << char(*c < 128 ? *c : '?');
+        return out;
+    }
+    return out << v.Number();
+}
+
+Ref<IBvxCAD> NewControl()
+{
+    CLSID clsid{};
+    EXPECT_EQ(CLSIDFromProgID(L"BvxCad.BvxCad", &clsid), S_OK) << "is the control registered?";
+    IBvxCAD* control = nullptr;
+    EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IBvxCAD, reinterpret_cast<void**>(&control)),
+              S_OK);
+    return Ref<IBvxCAD>(control);
+}
+
+Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, std::vector<Value> args)
+{
+    Outcome outcome;
+    DISPID dispid = DISPID_UNKNOWN;
+    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+    outcome.hr = control->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &dispid);
+    if (FAILED(outcome.hr)) return outcome;
+    std::vector<VARIANT> reversed;
+    for (auto it = args.rbegin(); it != args.rend(); ++it) reversed.push_back(**it);
+    DISPID putId = DISPID_PROPERTYPUT;
+    const bool put = flags & DISPATCH_PROPERTYPUT;
+    DISPPARAMS params{reversed.data(), put ? &putId : nullptr, UINT(reversed.size()), put ? 1u : 0u};
+    EXCEPINFO exception{};
+    outcome.hr = control->Invoke(dispid, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, outcome.result.get(),
+                                 &exception, nullptr);
+    outcome.exceptionCode = exception.scode;
+    SysFreeString(exception.bstrSource);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrHelpFile);
+    return outcome;
+}
+
+Outcome Get(IDispatch* control, const wchar_t* name, std::vector<Value> args)
+{
+    return Call(control, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, std::move(args));
+}
+
+Outcome Put(IDispatch* control, const wchar_t* name, Value value, std::vector<Value> index)
+{
+    index.push_back(std::move(value));
+    return Call(control, name, DISPATCH_PROPERTYPUT, std::move(index));
+}
+
+std::string HexCode(HRESULT hr)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
+    return text;
+}
+
+} // namespace bvx::client

@@ -1,0 +1,185 @@
+// Events as an advised sink receives them, with their argument types and in
+// order, and the property notices of the two bindable properties.
+#include "ClientSupport.h"
+
+namespace bvx::client {
+namespace {
+
+struct Heard {
+    DISPID dispid;
+    std::vector<VARTYPE> types;
+    std::vector<double> values;
+    bool operator==(const Heard&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Heard& h)
+{
+    out << "event " << h.dispid << " (";
+    for (size_t i = 0; i < h.types.size(); ++i) out << (i ? ", " : "") << "vt " << h.types[i] << " " << h.values[i];
+    return out << ")";
+}
+
+// A dispatch-only sink, as script hosts and forms make them.
+class EventLog final : public com::ComObject<EventLog, IDispatch> {
+public:
+    static std::span<const com::InterfaceEntry<EventLog>> Interfaces()
+    {
+        static constexpr com::InterfaceEntry<EventLog> table[] = {com::Entry<EventLog, IDispatch>(IID_IDispatch)};
+        return table;
+    }
+    std::vector<Heard> heard;
+
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHODIMP Invoke(DISPID dispid, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT*, EXCEPINFO*,
+                        UINT*) override
+    {
+        EXPECT_EQ(flags, DISPATCH_METHOD);
+        EXPECT_EQ(params->cNamedArgs, 0u);
+        Heard h{dispid, {}, {}};
+        // The arguments come last first.
+        for (UINT i = params->cArgs; i-- > 0;) {
+            Value copy;
+            VariantCopy(copy.get(), &params->rgvarg[i]);
+            h.types.push_back(copy.Type());
+            h.values.push_back(copy.Number());
+        }
+        heard.push_back(h);
+        return S_OK;
+    }
+
+private:
+    friend class com::ComObject<EventLog, IDispatch>;
+    ~EventLog() = default;
+};
+
+class PropertyLog final : public com::ComObject<PropertyLog, IPropertyNotifySink> {
+public:
+    static std::span<const com::InterfaceEntry<PropertyLog>> Interfaces()
+    {
+        static constexpr com::InterfaceEntry<PropertyLog> table[] = {
+            com::Entry<PropertyLog, IPropertyNotifySink>(IID_IPropertyNotifySink)};
+        return table;
+    }
+    std::vector<std::string> heard;
+    bool refuse = false;
+
+    STDMETHODIMP OnChanged(DISPID dispid) override
+    {
+        heard.push_back("changed " + std::to_string(dispid));
+        return S_OK;
+    }
+    STDMETHODIMP OnRequestEdit(DISPID dispid) override
+    {
+        heard.push_back("request " + std::to_string(dispid));
+        return refuse ? S_FALSE : S_OK;
+    }
+
+private:
+    friend class com::ComObject<PropertyLog, IPropertyNotifySink>;
+    ~PropertyLog() = default;
+};
+
+DWORD Connect(IBvxCAD* control, const IID& iid, IUnknown* sink)
+{
+    Ref<IConnectionPoint> point;
+    EXPECT_EQ(
+        As<IConnectionPointContainer>(control, IID_IConnectionPointContainer)->FindConnectionPoint(iid, point.Out()),
+        S_OK);
+    DWORD cookie = 0;
+    EXPECT_EQ(point->Advise(sink, &cookie), S_OK);
+    return cookie;
+}
+
+void Disconnect(IBvxCAD* control, const IID& iid, DWORD cookie)
+{
+    Ref<IConnectionPoint> point;
+    As<IConnectionPointContainer>(control, IID_IConnectionPointContainer)->FindConnectionPoint(iid, point.Out());
+    EXPECT_EQ(point->Unadvise(cookie), S_OK);
+    EXPECT_EQ(point->Unadvise(cookie), CONNECT_E_NOCONNECTION);
+}
+
+TEST(Events, AScriptedDrawingFiresTypedEventsInOrder)
+{
+    Ref<IBvxCAD> control = NewControl();
+    Ref<EventLog> log(EventLog::Create());
+    const DWORD cookie = Connect(control.get(), DIID__CADEvents, log.get());
+
+    long rectangle = 0, polygon = 0;
+    VARIANT_BOOL selected = VARIANT_FALSE;
+    ASSERT_EQ(control->DrawRectangle(1, 2, 3, 4, 1, &rectangle), S_OK);
+    ASSERT_EQ(control->ShapeSelect(rectangle, VARIANT_FALSE, &selected), S_OK);
+    ASSERT_EQ(control->ShapeDelete(rectangle), S_OK);
+    ASSERT_EQ(control->ShapeAdd(bvxPolygon, 1, &polygon), S_OK);
+
+    // Types as the event table declares them: shape types 16-bit, numbers 32-bit.
+    const std::vector<Heard> expected = {
+        {DISPID_CADEvents_ShapeNumberAdded, {VT_I2, VT_I4}, {bvxRectangle, double(rectangle)}},
+        {DISPID_CADEvents_ShapeNumberSelected, {VT_I2, VT_I4}, {bvxRectangle, double(rectangle)}},
+        {DISPID_CADEvents_ShapeNumberDeleted, {VT_I4}, {double(rectangle)}},
+        {DISPID_CADEvents_ShapeNumberAdded, {VT_I2, VT_I4}, {bvxPolygon, double(polygon)}},
+    };
+    EXPECT_EQ(log->heard, expected);
+
+    Disconnect(control.get(), DIID__CADEvents, cookie);
+    log->heard.clear();
+    control->DrawLine(0, 0, 1, 1, 1, &rectangle);
+    EXPECT_TRUE(log->heard.empty()) << "a sink that left hears nothing";
+}
+
+TEST(Events, EverySinkHearsInTheOrderItCame)
+{
+    Ref<IBvxCAD> control = NewControl();
+    Ref<EventLog> first(EventLog::Create());
+    Ref<EventLog> second(EventLog::Create());
+    Connect(control.get(), DIID__CADEvents, first.get());
+    Connect(control.get(), DIID__CADEvents, second.get());
+    Outcome drawn = Call(control.get(), L"DrawLine", DISPATCH_METHOD,
+                         {Value::R8(0), Value::R8(0), Value::R8(5), Value::R8(5), Value::I2(1)});
+    ASSERT_EQ(drawn.hr, S_OK);
+    const std::vector<Heard> expected = {
+        {DISPID_CADEvents_ShapeNumberAdded, {VT_I2, VT_I4}, {bvxLine, drawn.result.Number()}}};
+    EXPECT_EQ(first->heard, expected);
+    EXPECT_EQ(second->heard, expected);
+}
+
+TEST(Events, BindablePropertiesAskAndTellTheirSinks)
+{
+    Ref<IBvxCAD> control = NewControl();
+    Ref<PropertyLog> log(PropertyLog::Create());
+    Connect(control.get(), IID_IPropertyNotifySink, log.get());
+    Ref<IPersistStreamInit> persist = As<IPersistStreamInit>(control.get(), IID_IPersistStreamInit);
+    EXPECT_EQ(persist->IsDirty(), S_FALSE);
+
+    ASSERT_EQ(control->put_BackColor(0x123456), S_OK);
+    EXPECT_EQ(log->heard, (std::vector<std::string>{"request -501", "changed -501"}));
+    EXPECT_EQ(persist->IsDirty(), S_OK);
+    log->heard.clear();
+    ASSERT_EQ(control->put_BackColor(0x123456), S_OK);
+    EXPECT_TRUE(log->heard.empty()) << "the same colour again asks nobody";
+
+    ASSERT_EQ(control->put_GridWidth(25), S_OK);
+    EXPECT_TRUE(log->heard.empty()) << "GridWidth is not bindable";
+
+    log->refuse = true;
+    EXPECT_EQ(control->put_GridHeight(33), S_FALSE);
+    double height = 0;
+    control->get_GridHeight(&height);
+    EXPECT_EQ(height, 10.0) << "a refused change leaves the value";
+    EXPECT_EQ(log->heard, (std::vector<std::string>{"request 122"}));
+
+    // Frozen, the control asks and tells nothing.
+    log->heard.clear();
+    Ref<IOleControl> ole = As<IOleControl>(control.get(), IID_IOleControl);
+    ASSERT_EQ(ole->FreezeEvents(TRUE), S_OK);
+    EXPECT_EQ(control->put_GridHeight(33), S_OK);
+    EXPECT_TRUE(log->heard.empty());
+    ole->FreezeEvents(FALSE);
+    log->refuse = false;
+    EXPECT_EQ(control->put_GridHeight(44), S_OK);
+    EXPECT_EQ(log->heard, (std::vector<std::string>{"request 122", "changed 122"}));
+}
+
+} // namespace
+} // namespace bvx::client
