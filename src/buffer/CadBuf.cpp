@@ -471,6 +471,17 @@ void CadBuf::NumberGroupMembers(CObjShape* group)
     });
 }
 
+bool CadBuf::PictureInUse(const std::string& name) const
+{
+    for (const auto& layer : Layers) {
+        const bool free = WalkDeep(*layer, [&](CObjShape& shape) {
+            return shape.GetShapeType() != bvxPicture || static_cast<CPictShape&>(shape).ImageName != name;
+        });
+        if (!free) return true;
+    }
+    return false;
+}
+
 void CadBuf::ForgetAll()
 {
     Selection.clear();

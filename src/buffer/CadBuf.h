@@ -3,6 +3,7 @@
 #pragma once
 
 #include "CadLayer.h"
+#include "PictTable.h"
 #include "PointerTable.h"
 #include "ShapeIndex.h"
 #include "shapes/CObjShape.h"
@@ -25,7 +26,8 @@ public:
     std::vector<CObjShape*> Selection;       // in order of selection; owns nothing
     ShapeIndex ShapeMap;                     // every numbered shape, members too
     CadLayer* CurrentLayer = nullptr;
-    std::unique_ptr<CObjShape> BackPic;
+    std::unique_ptr<CPictShape> BackPic;   // the world's background picture; on no layer
+    PictTable Pictures;
     std::vector<std::unique_ptr<CadLayer>> Layers;
     CObjShape* FocusShape = nullptr;
     int16_t FocusPoint = -1;
@@ -104,6 +106,10 @@ public:
     bool GroupRemoveShape(CObjShape* group, CObjShape* shape);
     bool GroupRemoveAll(CObjShape* group);
     void NumberGroupMembers(CObjShape* group);
+
+    // Whether a picture shape of any layer, at any depth of groups, shows
+    // the picture table's entry of this name.
+    bool PictureInUse(const std::string& name) const;
 
     // Clearing.
     void ForgetAll();

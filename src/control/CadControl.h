@@ -8,6 +8,7 @@
 #include "MemberSpec.h"
 #include "Variant.h"
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -177,6 +178,13 @@ public:
     int16_t GetShapeTextOrientation(int32_t number);
     void PutShapeTextOrientation(int32_t number, int16_t tenths);
 
+    void ImageOpenBitmap(int16_t number, std::u16string fileName, int16_t style, int16_t addFlag);
+    bool BackPicSet(std::u16string fileName, int16_t style, double x, double y);
+    bool BackPicRemove();
+    int32_t GetBackPicHeight();
+    int32_t GetBackPicWidth();
+    bool ImageToBitmap(std::u16string fileName, int16_t width, int16_t height, int16_t bits, int16_t dpi);
+
     bool GroupAddShape(int32_t group, int32_t number);
     bool GroupAddSelection(int32_t group);
     bool GroupRemoveShape(int32_t group, int32_t number);
@@ -333,6 +341,9 @@ private:
     bool OutsideView(DevicePoint point) const;
 
     CObjShape* Shape(int32_t number) const { return view_.Buf.FindShape(number); }
+    // Paints the drawing into the back buffer at a size of its own, the world
+    // stretched over it, hands the buffer to `use`, and puts the view back.
+    void RenderOffscreen(int32_t width, int32_t height, int16_t dpi, const std::function<void(const Bitmap&)>& use);
     // The text of a number; null for an unknown one or a shape of another type.
     CTextShape* Text(int32_t number) const;
     // The group of a number; null for an unknown one or a shape of another type.

@@ -59,8 +59,8 @@ bool CadControl::ShapeConvert(int32_t number, int16_t type, int16_t mode, double
 {
     if (mode < 0 || mode > 3) return false;
     CObjShape* source = Shape(number);
-    // Texts, points and groups are no conversion's result.
-    const bool convertible = type != bvxText && type != bvxPoint && type != bvxGroup;
+    // Texts, pictures, points and groups are no conversion's result.
+    const bool convertible = type != bvxText && type != bvxPicture && type != bvxPoint && type != bvxGroup;
     std::unique_ptr<CObjShape> target = convertible ? NewShapeOfClass(type) : nullptr;
     if (!source || !target) return false;
     source->CopyBaseTo(*target);
@@ -132,6 +132,7 @@ void CadControl::CadClearAll()
     view_.CancelMouse();
     view_.Buf.BackPic.reset();
     view_.Buf.ClearAll();
+    view_.Buf.Pictures.Entries.clear();
     view_.FontTable.ResetFonts();
     view_.Buf.SnapMarkerUp = 0;
     view_.Clear();

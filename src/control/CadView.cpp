@@ -162,6 +162,10 @@ bool CadView::RemoveShape(CObjShape* shape, bool fireEvent)
     }
     // A shape nobody held cannot be given up; it stays where it is.
     if (!owned) return false;
+    if (shape->GetShapeType() == bvxPicture) {
+        const auto* picture = static_cast<const CPictShape*>(shape);
+        if (picture->HasImage()) Buf.Pictures.Release(picture->ImageName, Buf);
+    }
     Buf.ForgetShape(shape);
     InvalidateShape(shape, true);
     int32_t number = shape->Number;

@@ -65,26 +65,14 @@ int32_t CRectShape::GetHandleCount() const
 
 WorldPoint CRectShape::GetHandlePoint(int32_t handle, const ShapeContext& view) const
 {
-    double midX = Mid(P1.x, P2.x), midY = Mid(P1.y, P2.y);
-    switch (CanonicalHandle(handle)) {
-    case 1: return P1;
-    case 2: return {midX, P1.y};
-    case 3: return {P2.x, P1.y};
-    case 4: return {P2.x, midY};
-    case 5: return P2;
-    case 6: return {midX, P2.y};
-    case 7: return {P1.x, P2.y};
-    case 8: return {P1.x, midY};
-    case 9:
-        if (GetShapeType() == bvxRoundRectangle) {
-            // On the inner corner of the rounding.
-            WorldPoint a = P1, b = P2;
-            NormalizeCorners(a, b);
-            return {b.x - Radius.x * 0.5, b.y - view.World.SignY * Radius.y * 0.5};
-        }
-        return {midX, midY};
-    default: return {};
+    handle = CanonicalHandle(handle);
+    if (handle == 9 && GetShapeType() == bvxRoundRectangle) {
+        // On the inner corner of the rounding.
+        WorldPoint a = P1, b = P2;
+        NormalizeCorners(a, b);
+        return {b.x - Radius.x * 0.5, b.y - view.World.SignY * Radius.y * 0.5};
     }
+    return RectHandlePoint(P1, P2, handle);
 }
 
 int16_t CRectShape::GetHandleCursor(std::span<const int16_t> pointers, int32_t handle) const
@@ -256,13 +244,6 @@ void CRectShape::MoveHandle(int32_t handle, WorldPoint point, ShapeContext& view
             point.x = anchor.x;
     }
     switch (handle) {
-    case 2: P1.y = point.y; break;
-    case 3: P2.x = point.x; P1.y = point.y; break;
-    case 4: P2.x = point.x; break;
-    case 5: P2 = point; break;
-    case 6: P2.y = point.y; break;
-    case 7: P1.x = point.x; P2.y = point.y; break;
-    case 8: P1.x = point.x; break;
     case 9:
         if (type == bvxRoundRectangle) {
             // The rounding reaches half the shape and stops there.
@@ -280,7 +261,10 @@ void CRectShape::MoveHandle(int32_t handle, WorldPoint point, ShapeContext& view
             P2.y -= point.y;
         }
         break;
-    default: P1 = point; break;
+    default:
+        // Any other number takes the first corner.
+        if (!MoveRectHandle(P1, P2, handle, point)) P1 = point;
+        break;
     }
     UpdateBounds(view);
     view.ReadoutDistance = Distance(P1, P2);
@@ -331,8 +315,7 @@ int32_t CRectShape::HandleFromPoint(DevicePoint point, ShapeContext& view) const
         }
         return nearFirst ? 1 : 2;
     }
-    static constexpr int32_t kHandleOfSum[11] = {1, 2, 3, 0, 8, 9, 4, 0, 7, 6, 5};
-    return kHandleOfSum[HandleGridSum(corners, point)];
+    return RectHandleFromPoint(corners, point);
 }
 
 int16_t CRectShape::NearestPoint(DevicePoint point, ShapeContext& view) const
@@ -385,6 +368,44 @@ int32_t AngleTenths(int32_t dx, int32_t dy)
     if (dx > 0 && dy > 0) return t;
     if (dx < 1 && dy < 1) return t + 1800;
     return dx < 1 ? 1800 - t : 3600 - t;
+}
+
+WorldPoint RectHandlePoint(const WorldPoint& p1, const WorldPoint& p2, int32_t handle)
+{
+    const double midX = Mid(p1.x, p2.x), midY = Mid(p1.y, p2.y);
+    switch (handle) {
+    case 1: return p1;
+    case 2: return {midX, p1.y};
+    case 3: return {p2.x, p1.y};
+    case 4: return {p2.x, midY};
+    case 5: return p2;
+    case 6: return {midX, p2.y};
+    case 7: return {p1.x, p2.y};
+    case 8: return {p1.x, midY};
+    case 9: return {midX, midY};
+    default: return {};
+    }
+}
+
+bool MoveRectHandle(WorldPoint& p1, WorldPoint& p2, int32_t handle, const WorldPoint& point)
+{
+    switch (handle) {
+    case 1: p1 = point; return true;
+    case 2: p1.y = point.y; return true;
+    case 3: p2.x = point.x, p1.y = point.y; return true;
+    case 4: p2.x = point.x; return true;
+    case 5: p2 = point; return true;
+    case 6: p2.y = point.y; return true;
+    case 7: p1.x = point.x, p2.y = point.y; return true;
+    case 8: p1.x = point.x; return true;
+    default: return false;
+    }
+}
+
+int32_t RectHandleFromPoint(const DeviceRect& corners, DevicePoint point)
+{
+    static constexpr int32_t kHandleOfSum[11] = {1, 2, 3, 0, 8, 9, 4, 0, 7, 6, 5};
+    return kHandleOfSum[HandleGridSum(corners, point)];
 }
 
 void RotateDevicePoints(std::span<DevicePoint> points, int32_t tenths, DevicePoint pivot)

@@ -53,6 +53,15 @@ private:
 // rectangle. The result is the grid sum 0 to 10 (columns 0-2, rows 0/4/8).
 int32_t HandleGridSum(DeviceRect corners, DevicePoint point);
 
+// The handles of a shape between two corners: 1 the first corner, then
+// round the box to 5, the second corner; 2, 4, 6 and 8 the middles of the
+// sides; 9 the centre. Moving one of 1 to 8 moves the coordinates it holds
+// (false for another number). From a press, the handle of the grid zone it
+// lands in.
+WorldPoint RectHandlePoint(const WorldPoint& p1, const WorldPoint& p2, int32_t handle);
+bool MoveRectHandle(WorldPoint& p1, WorldPoint& p2, int32_t handle, const WorldPoint& point);
+int32_t RectHandleFromPoint(const DeviceRect& corners, DevicePoint point);
+
 // Angles of device vectors in tenths of a degree, and integer rotation of
 // device points, as the arrow heads are drawn.
 int32_t AngleTenths(int32_t dx, int32_t dy);

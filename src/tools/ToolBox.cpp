@@ -2,7 +2,7 @@
 
 namespace bvx {
 
-ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this), Point(*this), Group(*this), Text(*this) {}
+ToolBox::ToolBox() : Select(*this), Pan(*this), Rect(*this), Ellipse(*this), Arc(*this), Poly(*this), Point(*this), Group(*this), Text(*this), Picture(*this) {}
 
 CDrawTool* ToolBox::ToolFor(int16_t value)
 {
@@ -29,6 +29,7 @@ CDrawTool* ToolBox::ToolFor(int16_t value)
     case bvxPoint: return &Point;
     case bvxGroup: return &Group;
     case bvxText: return &Text;
+    case bvxPicture: return &Picture;
     default: return nullptr; // the other shapes' tools come with their shapes
     }
 }

@@ -6,6 +6,7 @@
 #include "CEllipseTool.h"
 #include "CGroupTool.h"
 #include "CPanTool.h"
+#include "CPictTool.h"
 #include "CPointTool.h"
 #include "CPolyTool.h"
 #include "CRectTool.h"
@@ -42,6 +43,7 @@ public:
     CPointTool Point;
     CGroupTool Group;
     CTextTool Text;
+    CPictTool Picture;
 };
 
 } // namespace bvx
