@@ -22,22 +22,12 @@ Ref<ITypeInfo> VtableTypeInfo(IBvxCAD* control)
 // A call through the vtable, made by the platform from the type library.
 Outcome CallThroughVtable(ITypeInfo* info, IBvxCAD* control, const wchar_t* name, WORD flags, std::vector<Value> args)
 {
-    Outcome outcome;
     MEMBERID id = 0;
     LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-    outcome.hr = info->GetIDsOfNames(names, 1, &id);
-    if (FAILED(outcome.hr)) return outcome;
-    std::vector<VARIANT> reversed;
-    for (auto it = args.rbegin(); it != args.rend(); ++it) reversed.push_back(**it);
-    DISPID putId = DISPID_PROPERTYPUT;
-    const bool put = flags & DISPATCH_PROPERTYPUT;
-    DISPPARAMS params{reversed.data(), put ? &putId : nullptr, UINT(reversed.size()), put ? 1u : 0u};
-    EXCEPINFO exception{};
-    outcome.hr = info->Invoke(control, id, flags, &params, outcome.result.get(), &exception, nullptr);
-    outcome.exceptionCode = exception.scode;
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    return outcome;
+    EXPECT_EQ(info->GetIDsOfNames(names, 1, &id), S_OK);
+    return Packed(flags, args, [&](DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception) {
+        return info->Invoke(control, id, flags, params, result, exception, nullptr);
+    });
 }
 
 // Colours travel through Invoke as VT_I4, which every script host reads; the

@@ -17,35 +17,12 @@ const testing::Environment* const kApartment = testing::AddGlobalTestEnvironment
 
 } // namespace
 
-Value Value::I2(short v)
+Value Value::Of(VARTYPE type, double v)
 {
-    Value out;
-    V_VT(&out.v_) = VT_I2;
-    V_I2(&out.v_) = v;
-    return out;
-}
-
-Value Value::I4(long v)
-{
-    Value out;
-    V_VT(&out.v_) = VT_I4;
-    V_I4(&out.v_) = v;
-    return out;
-}
-
-Value Value::R8(double v)
-{
-    Value out;
-    V_VT(&out.v_) = VT_R8;
-    V_R8(&out.v_) = v;
-    return out;
-}
-
-Value Value::Bool(bool v)
-{
-    Value out;
-    V_VT(&out.v_) = VT_BOOL;
-    V_BOOL(&out.v_) = v ? VARIANT_TRUE : VARIANT_FALSE;
+    Value number, out;
+    V_VT(&number.v_) = VT_R8;
+    V_R8(&number.v_) = v;
+    EXPECT_EQ(VariantChangeType(&out.v_, &number.v_, 0, type), S_OK);
     return out;
 }
 
@@ -95,24 +72,16 @@ Ref<IBvxCAD> NewControl()
 
 Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, std::vector<Value> args)
 {
-    Outcome outcome;
     DISPID dispid = DISPID_UNKNOWN;
     LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-    outcome.hr = control->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &dispid);
-    if (FAILED(outcome.hr)) return outcome;
-    std::vector<VARIANT> reversed;
-    for (auto it = args.rbegin(); it != args.rend(); ++it) reversed.push_back(**it);
-    DISPID putId = DISPID_PROPERTYPUT;
-    const bool put = flags & DISPATCH_PROPERTYPUT;
-    DISPPARAMS params{reversed.data(), put ? &putId : nullptr, UINT(reversed.size()), put ? 1u : 0u};
-    EXCEPINFO exception{};
-    outcome.hr = control->Invoke(dispid, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, outcome.result.get(),
-                                 &exception, nullptr);
-    outcome.exceptionCode = exception.scode;
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
-    return outcome;
+    if (HRESULT hr = control->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &dispid); FAILED(hr)) {
+        Outcome unknown;
+        unknown.hr = hr;
+        return unknown;
+    }
+    return Packed(flags, args, [&](DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception) {
+        return control->Invoke(dispid, IID_NULL, LOCALE_USER_DEFAULT, flags, params, result, exception, nullptr);
+    });
 }
 
 Outcome Get(IDispatch* control, const wchar_t* name, std::vector<Value> args)

@@ -27,10 +27,12 @@ public:
     }
     ~Value() { VariantClear(&v_); }
 
-    static Value I2(short v);
-    static Value I4(long v);
-    static Value R8(double v);
-    static Value Bool(bool v);
+    // A number of the given type, converted as the platform converts.
+    static Value Of(VARTYPE type, double v);
+    static Value I2(short v) { return Of(VT_I2, v); }
+    static Value I4(long v) { return Of(VT_I4, v); }
+    static Value R8(double v) { return Of(VT_R8, v); }
+    static Value Bool(bool v) { return Of(VT_BOOL, v ? -1 : 0); }
     static Value Text(const wchar_t* v);
 
     VARIANT* get() { return &v_; }
@@ -63,6 +65,25 @@ struct Outcome {
     Value result;
     SCODE exceptionCode = 0;
 };
+// The arguments packed as Invoke takes them (last first, a put's value
+// named), handed to `invoke(params, result, exception)`.
+template <typename Invoke> Outcome Packed(WORD flags, const std::vector<Value>& args, Invoke invoke)
+{
+    Outcome outcome;
+    std::vector<VARIANT> reversed;
+    for (auto it = args.rbegin(); it != args.rend(); ++it) reversed.push_back(**it);
+    DISPID putId = DISPID_PROPERTYPUT;
+    const bool put = flags & DISPATCH_PROPERTYPUT;
+    DISPPARAMS params{reversed.data(), put ? &putId : nullptr, UINT(reversed.size()), put ? 1u : 0u};
+    EXCEPINFO exception{};
+    outcome.hr = invoke(&params, outcome.result.get(), &exception);
+    outcome.exceptionCode = exception.scode;
+    SysFreeString(exception.bstrSource);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrHelpFile);
+    return outcome;
+}
+
 Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, std::vector<Value> args = {});
 Outcome Get(IDispatch* control, const wchar_t* name, std::vector<Value> args = {});
 Outcome Put(IDispatch* control, const wchar_t* name, Value value, std::vector<Value> index = {});
