@@ -17,3 +17,9 @@ add_test(NAME example_shapes_from_stdin
   COMMAND ${CMAKE_COMMAND} -DBVXCAD=$<TARGET_FILE:bvxcad> -DSCRIPT=${PROJECT_SOURCE_DIR}/examples/shapes.bvxs
           -DEXPECTED=${PROJECT_SOURCE_DIR}/examples/shapes.expected -DSTDIN=ON
           -P ${PROJECT_SOURCE_DIR}/cmake/RunScriptExample.cmake)
+
+# The drawing as a bitmap file, read back by another program than ours.
+find_program(BVX_BMPTOPNM bmptopnm)
+if(BVX_BMPTOPNM)
+  add_test(NAME export_readback COMMAND bash ${PROJECT_SOURCE_DIR}/tests/hosts/export_readback.sh $<TARGET_FILE:bvxcad>)
+endif()

@@ -6,7 +6,6 @@
 #include "platform/ByteStream.h"
 #include "raster/Dib.h"
 #include "shapes/CPictShape.h"
-#include "world/Rounding.h"
 
 namespace bvx {
 
@@ -96,22 +95,21 @@ void CadControl::RenderOffscreen(int32_t width, int32_t height, int16_t dpi,
                                  const std::function<void(const Bitmap&)>& use)
 {
     CadWorld& w = view_.World;
-    const double left = w.RoundCoord(w.WorldLeft), top = w.RoundCoord(w.WorldTop);
-    const double right = w.RoundCoord(w.WorldRight), bottom = w.RoundCoord(w.WorldBottom);
+    // The whole mapping is put back afterwards, not recomputed from the
+    // edges, so that an export leaves the view exactly as it was.
+    const CadWorld kept = w;
     w.OutputMode = 2;
     if (dpi != 0) w.OutputDpiX = w.OutputDpiY = dpi;
-    const DeviceRect client = w.ClientRect;
     const DeviceRect image{0, 0, width, height};
-    w.SetClientRect(image);
+    // At the window's own size the mapping already fits: fitting it again
+    // could move a point that lies half way between two pixels.
+    if (image.Width() != w.ClientRect.Width() || image.Height() != w.ClientRect.Height()) w.SetClientRect(image);
+    w.ClientRect = image;
     view_.RebuildBackBuffer = true;
     view_.NeedRepaint = true;
     view_.WithWindowDC([&](DeviceContext& dc) { view_.Paint(dc, image); });
     if (view_.BackBitmap) use(*view_.BackBitmap);
-    w.OutputMode = 0;
-    if (dpi != 0) w.OutputDpiX = w.ScreenDpiX, w.OutputDpiY = w.ScreenDpiY;
-    w.ClientRect = client;
-    w.SetWorld(left, top, right, bottom, 0);
-    w.Recalculate(0);
+    w = kept;
     view_.Redraw(RedrawMode::Full);
 }
 
