@@ -3,6 +3,7 @@
 #include "platform/ByteStream.h"
 #include "platform/raster/RasterDeviceContext.h"
 #include "raster/Dib.h"
+#include "shapes/CPictShape.h"
 
 #include <cstdlib>
 #include <span>
@@ -25,6 +26,19 @@ void Paint(const DibBlock& dib, const Palette& palette)
                      dib.bytes, RasterOp::SrcCopy);
 }
 
+// The bitmap as a picture shape shows it: stretched, tiled and at its own
+// size, in a box that is cut by the surface's edges.
+void ShowAsPicture(const DibBlock& dib)
+{
+    CPictShape picture;
+    picture.BindImage(0, "fuzz", std::make_shared<const DibBlock>(dib));
+    RasterDeviceContext dc(CreateBitmap(kSurfaceSize, kSurfaceSize));
+    for (uint16_t style : {PictStyle::Stretch, PictStyle::Tile, PictStyle::Natural}) {
+        picture.Style = style;
+        picture.RenderImage(dc, {-5, 3, kSurfaceSize + 4, kSurfaceSize - 2}, {0, 0, kSurfaceSize, kSurfaceSize});
+    }
+}
+
 void Exercise(DibBlock& dib)
 {
     volatile uint64_t sink = 0;
@@ -32,6 +46,7 @@ void Exercise(DibBlock& dib)
            DibPaletteSize(dib) + DibBits(dib).size();
     const Palette palette = DibToPalette(&dib);
     Paint(dib, palette);
+    ShowAsPicture(dib);
 
     const DibPtr copy = DibCopy(&dib);
     if (!copy || copy->bytes != dib.bytes) std::abort();

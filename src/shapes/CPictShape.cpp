@@ -112,10 +112,10 @@ void CPictShape::Draw(DeviceContext& dc, const DeviceRect& clip, ShapeContext& v
         dc.DrawFocusRect(r);
         return;
     }
-    if (Image) RenderImage(dc, r);
+    if (Image) RenderImage(dc, r, clip);
 }
 
-void CPictShape::RenderImage(DeviceContext& dc, const DeviceRect& rect) const
+void CPictShape::RenderImage(DeviceContext& dc, const DeviceRect& rect, const DeviceRect& visible) const
 {
     if (!Image || ImageWidth <= 0 || ImageHeight <= 0) return;
     const int64_t w = ImageWidth, h = ImageHeight;
@@ -134,9 +134,15 @@ void CPictShape::RenderImage(DeviceContext& dc, const DeviceRect& rect) const
     } else if (style == PictStyle::Stretch) {
         DibPaint(dc, rect, *Image, {0, 0, int32_t(w), int32_t(h)}, nullptr);
     } else if (style == PictStyle::Tile) {
+        // Only the tiles that meet what is visible: a small image over a
+        // large box would otherwise take forever.
         const int64_t rows = int64_t(rect.Height()) / h, columns = int64_t(rect.Width()) / w;
-        for (int64_t j = 0; j <= rows; ++j)
-            for (int64_t i = 0; i <= columns; ++i) piece(rect.left + w * i, rect.top + h * j);
+        const int64_t firstColumn = std::max<int64_t>(0, (int64_t(visible.left) - rect.left) / w);
+        const int64_t lastColumn = std::min<int64_t>(columns, (int64_t(visible.right) - rect.left) / w);
+        const int64_t firstRow = std::max<int64_t>(0, (int64_t(visible.top) - rect.top) / h);
+        const int64_t lastRow = std::min<int64_t>(rows, (int64_t(visible.bottom) - rect.top) / h);
+        for (int64_t j = firstRow; j <= lastRow; ++j)
+            for (int64_t i = firstColumn; i <= lastColumn; ++i) piece(rect.left + w * i, rect.top + h * j);
     }
 }
 

@@ -43,9 +43,9 @@ public:
     void ReleaseImage();
     bool GetInnerHit() const { return (Style & PictStyle::InnerHit) != 0; }
     void SetInnerHit(bool on) { Style = on ? uint16_t(Style | PictStyle::InnerHit) : uint16_t(Style & ~PictStyle::InnerHit); }
-    // The bitmap in a device rectangle, by the style; the background picture
-    // passes its scroll origin so that its tiles stay fixed to the world.
-    void RenderImage(DeviceContext& dc, const DeviceRect& rect) const;
+    // The bitmap in a device rectangle, by the style, as far as it meets the
+    // visible area.
+    void RenderImage(DeviceContext& dc, const DeviceRect& rect, const DeviceRect& visible) const;
 
     WorldPoint GetHandlePoint(int32_t handle, const ShapeContext& view) const override;
     WorldPoint GetPoint(int16_t index, const ShapeContext& view) const override;

@@ -163,6 +163,19 @@ TEST_F(Pictures, TheDrawingWrittenAsABitmapHoldsTheWindowsPixels)
     std::filesystem::remove(file);
 }
 
+// A one-pixel bitmap tiled over a box millions of pixels wide is drawn
+// where it shows, and no further.
+TEST_F(Pictures, ATinyTileOverAHugeBoxFillsTheWindow)
+{
+    const int32_t n = control.ShapeAdd(bvxPicture, 1);
+    control.ShapePointSet(n, 0, -1e7, 1e7);
+    control.ShapePointSet(n, 1, 1e7, -1e7);
+    control.ImageOpenBitmap(int16_t(n), Name(kPictures + "one_by_one.bmp"), 1, 0);
+    auto dc = Painted();
+    EXPECT_EQ(dc->GetPixel(0, 0), MakeRgb(10, 20, 30));
+    EXPECT_EQ(dc->GetPixel(100, 100), MakeRgb(10, 20, 30));
+}
+
 TEST_F(Pictures, APictureMadeWithoutTheMouseAsksForItsBitmap)
 {
     const int32_t n = control.ShapeAdd(bvxPicture, 1);
