@@ -6,6 +6,8 @@
 #include "DispatchCall.h"
 #include "Module.h"
 
+#include <new>
+
 namespace bvx::com {
 
 namespace {
@@ -27,7 +29,14 @@ HRESULT CBvxCAD::CallMember(int32_t dispid, members::Kind kind, std::span<const 
 {
     const members::MemberRow* row = CadControl::FindRow(dispid, kind);
     if (row && row->gate == members::Gate::DesignTimeGated && !AmbientUserMode()) return hresult::GetNotSupported;
-    return control_.Invoke(dispid, kind, args, result);
+    // No C++ exception may cross into a COM caller.
+    try {
+        return control_.Invoke(dispid, kind, args, result);
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    } catch (...) {
+        return E_UNEXPECTED;
+    }
 }
 
 HRESULT CBvxCAD::CallFromVtable(int32_t dispid, members::Kind kind, std::span<const Variant> args)

@@ -68,10 +68,14 @@ public:
     }
 
     // A new object with one reference, which the caller owns; null when
-    // memory ran out.
+    // memory ran out, in the object or in what it builds.
     template <typename... Args> static Derived* Create(Args&&... args)
     {
-        return new (std::nothrow) Derived(std::forward<Args>(args)...);
+        try {
+            return new Derived(std::forward<Args>(args)...);
+        } catch (const std::bad_alloc&) {
+            return nullptr;
+        }
     }
 
     IUnknown* Identity() { return Derived::Interfaces()[0].cast(static_cast<Derived*>(this)); }
