@@ -48,7 +48,7 @@ void CadView::RepaintBackBuffer(DeviceContext& memory, const DeviceRect& bounds)
 {
     DeviceRect fill = DirtyRect.IsEmpty() ? bounds : DirtyRect;
     memory.FillRect(fill, Brush{BrushStyle::Solid, HatchStyle::Horizontal, OleTranslateColor(BackColorCopy)});
-    if (Buf.BackPic) {
+    if (Buf.BackPic && Buf.BackPic->HasImage()) {
         Buf.BackPic->Draw(memory, fill, *this, 0);
         // The picture was painted whole: a dirty rectangle that touches it
         // grows to all of it that is visible.
