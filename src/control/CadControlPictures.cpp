@@ -95,8 +95,8 @@ void CadControl::RenderOffscreen(int32_t width, int32_t height, int16_t dpi,
                                  const std::function<void(const Bitmap&)>& use)
 {
     CadWorld& w = view_.World;
-    // The whole mapping is put back afterwards, not recomputed from the
-    // edges, so that an export leaves the view exactly as it was.
+    // The whole mapping is put back afterwards rather than fitted again to
+    // the same edges, so that an export leaves the view exactly as it was.
     const CadWorld kept = w;
     w.OutputMode = 2;
     if (dpi != 0) w.OutputDpiX = w.OutputDpiY = dpi;
@@ -110,6 +110,12 @@ void CadControl::RenderOffscreen(int32_t width, int32_t height, int16_t dpi,
     view_.WithWindowDC([&](DeviceContext& dc) { view_.Paint(dc, image); });
     if (view_.BackBitmap) use(*view_.BackBitmap);
     w = kept;
+    // The world comes back from its edges rounded to the coordinate
+    // precision: where the rounding changes an edge, the export nudges it.
+    const double left = w.RoundCoord(kept.WorldLeft), top = w.RoundCoord(kept.WorldTop);
+    const double right = w.RoundCoord(kept.WorldRight), bottom = w.RoundCoord(kept.WorldBottom);
+    if (left != kept.WorldLeft || top != kept.WorldTop || right != kept.WorldRight || bottom != kept.WorldBottom)
+        w.SetWorld(left, top, right, bottom, 0);
     view_.Redraw(RedrawMode::Full);
 }
 
