@@ -4,12 +4,6 @@
 
 namespace bvx::com {
 
-std::span<const InterfaceEntry<ClassFactory>> ClassFactory::Interfaces()
-{
-    static constexpr InterfaceEntry<ClassFactory> table[] = {Entry<ClassFactory, IClassFactory>(IID_IClassFactory)};
-    return table;
-}
-
 STDMETHODIMP ClassFactory::CreateInstance(IUnknown* outer, REFIID riid, void** out)
 {
     if (!out) return E_POINTER;

@@ -5,16 +5,10 @@
 
 namespace bvx::com {
 
-class ClassFactory final : public ComObject<ClassFactory, IClassFactory> {
+class ClassFactory final : public SingleInterfaceObject<ClassFactory, IClassFactory, IID_IClassFactory> {
 public:
-    static std::span<const InterfaceEntry<ClassFactory>> Interfaces();
-
     STDMETHODIMP CreateInstance(IUnknown* outer, REFIID riid, void** out) override;
     STDMETHODIMP LockServer(BOOL lock) override;
-
-private:
-    friend class ComObject<ClassFactory, IClassFactory>;
-    ~ClassFactory() = default;
 };
 
 } // namespace bvx::com

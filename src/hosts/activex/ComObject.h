@@ -87,6 +87,16 @@ private:
     std::atomic<ULONG> references_{1};
 };
 
+// An object that answers one interface besides IUnknown.
+template <typename Derived, typename I, const IID& kIid> class SingleInterfaceObject : public ComObject<Derived, I> {
+public:
+    static std::span<const InterfaceEntry<Derived>> Interfaces()
+    {
+        static constexpr InterfaceEntry<Derived> table[] = {Entry<Derived, I>(kIid)};
+        return table;
+    }
+};
+
 // Holds one reference; the platform's smart pointers are not in MinGW.
 template <typename I> class Ref {
 public:

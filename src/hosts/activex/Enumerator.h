@@ -10,14 +10,8 @@ namespace bvx::com {
 
 // Copy gives the caller its own reference to an item (an AddRef, say).
 template <typename IEnum, const IID& kIid, typename Item, void (*Copy)(Item&), void (*Drop)(Item&)>
-class Enumerator final : public ComObject<Enumerator<IEnum, kIid, Item, Copy, Drop>, IEnum> {
+class Enumerator final : public SingleInterfaceObject<Enumerator<IEnum, kIid, Item, Copy, Drop>, IEnum, kIid> {
 public:
-    static std::span<const InterfaceEntry<Enumerator>> Interfaces()
-    {
-        static constexpr InterfaceEntry<Enumerator> table[] = {Entry<Enumerator, IEnum>(kIid)};
-        return table;
-    }
-
     // Keeps `owner` alive while the items point into it.
     Enumerator(IUnknown* owner, std::vector<Item> items, size_t position = 0)
         : owner_(Ref<IUnknown>::Share(owner)), items_(std::move(items)), position_(position)
@@ -54,13 +48,12 @@ public:
         return *out ? S_OK : E_OUTOFMEMORY;
     }
 
-private:
-    friend class ComObject<Enumerator, IEnum>;
     ~Enumerator()
     {
         for (Item& item : items_) Drop(item);
     }
 
+private:
     Ref<IUnknown> owner_;
     std::vector<Item> items_;
     size_t position_;

@@ -20,13 +20,8 @@ std::ostream& operator<<(std::ostream& out, const Heard& h)
 }
 
 // A dispatch-only sink, as script hosts and forms make them.
-class EventLog final : public com::ComObject<EventLog, IDispatch> {
+class EventLog final : public com::SingleInterfaceObject<EventLog, IDispatch, IID_IDispatch> {
 public:
-    static std::span<const com::InterfaceEntry<EventLog>> Interfaces()
-    {
-        static constexpr com::InterfaceEntry<EventLog> table[] = {com::Entry<EventLog, IDispatch>(IID_IDispatch)};
-        return table;
-    }
     std::vector<Heard> heard;
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
@@ -48,20 +43,10 @@ public:
         heard.push_back(h);
         return S_OK;
     }
-
-private:
-    friend class com::ComObject<EventLog, IDispatch>;
-    ~EventLog() = default;
 };
 
-class PropertyLog final : public com::ComObject<PropertyLog, IPropertyNotifySink> {
+class PropertyLog final : public com::SingleInterfaceObject<PropertyLog, IPropertyNotifySink, IID_IPropertyNotifySink> {
 public:
-    static std::span<const com::InterfaceEntry<PropertyLog>> Interfaces()
-    {
-        static constexpr com::InterfaceEntry<PropertyLog> table[] = {
-            com::Entry<PropertyLog, IPropertyNotifySink>(IID_IPropertyNotifySink)};
-        return table;
-    }
     std::vector<std::string> heard;
     bool refuse = false;
 
@@ -75,10 +60,6 @@ public:
         heard.push_back("request " + std::to_string(dispid));
         return refuse ? S_FALSE : S_OK;
     }
-
-private:
-    friend class com::ComObject<PropertyLog, IPropertyNotifySink>;
-    ~PropertyLog() = default;
 };
 
 DWORD Connect(IBvxCAD* control, const IID& iid, IUnknown* sink)

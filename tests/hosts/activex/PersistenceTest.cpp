@@ -221,14 +221,8 @@ TEST(Persistence, NewerVersionsAndShortStreamsAreRefused)
 }
 
 // A property bag of the test's own: names to values, handed back as stored.
-class MemoryBag final : public com::ComObject<MemoryBag, IPropertyBag> {
+class MemoryBag final : public com::SingleInterfaceObject<MemoryBag, IPropertyBag, IID_IPropertyBag> {
 public:
-    static std::span<const com::InterfaceEntry<MemoryBag>> Interfaces()
-    {
-        static constexpr com::InterfaceEntry<MemoryBag> table[] = {
-            com::Entry<MemoryBag, IPropertyBag>(IID_IPropertyBag)};
-        return table;
-    }
     std::map<std::wstring, Value> values;
 
     STDMETHODIMP Read(LPCOLESTR name, VARIANT* value, IErrorLog*) override
@@ -244,10 +238,6 @@ public:
         values[name] = copy;
         return S_OK;
     }
-
-private:
-    friend class com::ComObject<MemoryBag, IPropertyBag>;
-    ~MemoryBag() = default;
 };
 
 TEST(Persistence, EveryEntryRoundTripsThroughAPropertyBag)
