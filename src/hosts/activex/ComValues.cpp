@@ -152,27 +152,9 @@ HRESULT ToCom(const Variant& in, VARIANT* out)
     }
 }
 
-HRESULT StoreResult(const Variant& result, short* out)
-{
-    if (result.Type() != VarType::Empty) *out = SHORT(result.Integer());
-    return S_OK;
-}
-
-HRESULT StoreResult(const Variant& result, long* out)
-{
-    if (result.Type() != VarType::Empty) *out = LONG(result.Integer());
-    return S_OK;
-}
-
 HRESULT StoreResult(const Variant& result, double* out)
 {
     if (result.Type() != VarType::Empty) *out = result.Real();
-    return S_OK;
-}
-
-HRESULT StoreResult(const Variant& result, OLE_COLOR* out)
-{
-    if (result.Type() != VarType::Empty) *out = OLE_COLOR(uint32_t(result.Integer()));
     return S_OK;
 }
 

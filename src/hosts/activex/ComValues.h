@@ -8,6 +8,7 @@
 
 #include <ocidl.h>
 
+#include <concepts>
 #include <string>
 
 namespace bvx::com {
@@ -46,10 +47,13 @@ template <members::AutoType T, typename V> Variant ToArgument(V value)
 
 // A member's result into a vtable entry's output; an empty result (a member
 // that leaves its output alone) writes nothing.
-HRESULT StoreResult(const Variant& result, short* out);
-HRESULT StoreResult(const Variant& result, long* out);
+// Integers, booleans (-1 and 0) and colours (the bits of a 32-bit value).
+template <std::integral T> HRESULT StoreResult(const Variant& result, T* out)
+{
+    if (result.Type() != VarType::Empty) *out = T(result.Integer());
+    return S_OK;
+}
 HRESULT StoreResult(const Variant& result, double* out);
-HRESULT StoreResult(const Variant& result, OLE_COLOR* out);
 HRESULT StoreResult(const Variant& result, BSTR* out);
 HRESULT StoreResult(const Variant& result, VARIANT* out);
 template <typename Enum>
