@@ -73,12 +73,12 @@ struct GlyphImage {
 
 class Font {
 public:
-    explicit Font(LogFont spec) : spec_(std::move(spec)) {}
+    explicit Font(LogFont logical) : logical_(std::move(logical)) {}
     virtual ~Font() = default;
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;
 
-    const LogFont& Spec() const { return spec_; }
+    const LogFont& Logical() const { return logical_; }
     virtual const TextMetrics& Metrics() const = 0;
     // The advance of a character of the code page along the baseline, in
     // whole pixels as the hinted glyph places it.
@@ -93,7 +93,7 @@ public:
     virtual int32_t StrikeOutThickness() const = 0;
 
 private:
-    LogFont spec_;
+    LogFont logical_;
 };
 
 using FontHandle = std::shared_ptr<const Font>;

@@ -17,7 +17,7 @@ public:
     // The font a logical font asks for; a face that isn't installed is
     // replaced by its metric twin or the default face. Null only when no
     // face at all can be found.
-    virtual FontHandle CreateFont(const LogFont& spec) = 0;
+    virtual FontHandle CreateFont(const LogFont& logical) = 0;
     // What enumerating a face tells, or nothing when it isn't installed
     // (neither that family nor one metric-compatible with it).
     virtual std::optional<FaceMetrics> EnumerateFace(std::string_view face, bool bold, bool italic) = 0;

@@ -47,9 +47,9 @@ bool RasterDeviceContext::TextOutA(int32_t x, int32_t y, std::string_view text)
 
     // Along the baseline (ux, uy) and down the cell (dx, dy), in device
     // pixels, y down.
-    const double turn = (font->Spec().escapement % 3600) / 10.0 * std::numbers::pi / 180.0;
+    const double turn = (font->Logical().escapement % 3600) / 10.0 * std::numbers::pi / 180.0;
     const double ux = std::cos(turn), uy = -std::sin(turn), dx = -uy, dy = ux;
-    const bool upright = font->Spec().escapement % 3600 == 0;
+    const bool upright = font->Logical().escapement % 3600 == 0;
     // Points far off the device are held back from the 32-bit range.
     auto clamped = [](double v) { return int32_t(std::clamp(std::round(v), -1e9, 1e9)); };
     auto at = [&](double along, double down) {
@@ -95,12 +95,12 @@ bool RasterDeviceContext::TextOutA(int32_t x, int32_t y, std::string_view text)
             }
         }
     }
-    const LogFont& spec = font->Spec();
-    if (spec.underline) {
+    const LogFont& logical = font->Logical();
+    if (logical.underline) {
         const double top = tm.ascent + font->UnderlinePosition();
         band(0, extent.cx, top, top + font->UnderlineThickness(), state_.textColor);
     }
-    if (spec.strikeOut) {
+    if (logical.strikeOut) {
         const double top = tm.ascent - font->StrikeOutPosition();
         band(0, extent.cx, top, top + font->StrikeOutThickness(), state_.textColor);
     }

@@ -20,14 +20,14 @@ constexpr int32_t kLoadFlags = FT_LOAD_TARGET_MONO | FT_LOAD_MONOCHROME;
 int32_t Pixels26(FT_Pos v) { return int32_t((v + 32) >> 6); }
 } // namespace
 
-FreeTypeFont::FreeTypeFont(LogFont spec, FT_Face face, int32_t emPixels)
-    : Font(std::move(spec)), face_(face), em_(std::clamp(emPixels, 1, kLargestEm))
+FreeTypeFont::FreeTypeFont(LogFont logical, FT_Face face, int32_t emPixels)
+    : Font(std::move(logical)), face_(face), em_(std::clamp(emPixels, 1, kLargestEm))
 {
     if (FT_New_Size(face_, &size_) == 0) {
         FT_Activate_Size(size_);
         FT_Set_Pixel_Sizes(face_, 0, FT_UInt(em_));
     }
-    const int32_t escapement = Spec().escapement % 3600;
+    const int32_t escapement = Logical().escapement % 3600;
     if (escapement != 0) {
         const double r = escapement / 10.0 * std::numbers::pi / 180.0;
         const FT_Fixed c = FT_Fixed(std::lround(std::cos(r) * 65536.0)), s = FT_Fixed(std::lround(std::sin(r) * 65536.0));

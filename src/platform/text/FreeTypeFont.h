@@ -16,7 +16,7 @@ namespace bvx::text {
 class FreeTypeFont final : public Font {
 public:
     // `face` outlives the font; `emPixels` is the em in pixels.
-    FreeTypeFont(LogFont spec, FT_Face face, int32_t emPixels);
+    FreeTypeFont(LogFont logical, FT_Face face, int32_t emPixels);
     ~FreeTypeFont() override;
 
     const TextMetrics& Metrics() const override { return metrics_; }

@@ -32,15 +32,15 @@ public:
         if (library_) FT_Done_FreeType(library_);
     }
 
-    FontHandle CreateFont(const LogFont& spec) override
+    FontHandle CreateFont(const LogFont& logical) override
     {
         for (const FontHandle& f : recent_)
-            if (f->Spec() == spec) return f;
+            if (f->Logical() == logical) return f;
         const std::optional<text::FaceFile> file =
-            text::LocateFace(spec.faceName, spec.weight >= kBoldWeight, spec.italic != 0, false);
+            text::LocateFace(logical.faceName, logical.weight >= kBoldWeight, logical.italic != 0, false);
         FT_Face face = file ? Open(*file) : nullptr;
         if (!face) return nullptr;
-        auto font = std::make_shared<text::FreeTypeFont>(spec, face, EmPixels(spec.height, face));
+        auto font = std::make_shared<text::FreeTypeFont>(logical, face, EmPixels(logical.height, face));
         recent_.push_front(font);
         if (recent_.size() > kRecentFonts) recent_.pop_back();
         return font;

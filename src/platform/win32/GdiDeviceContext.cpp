@@ -67,7 +67,7 @@ HBRUSH MakeGdiBrush(const Brush& brush)
 // Monochrome, as the raster device draws text.
 HFONT MakeGdiFont(const Font& font)
 {
-    const LogFont& f = font.Spec();
+    const LogFont& f = font.Logical();
     LOGFONTA lf{};
     lf.lfHeight = f.height;
     lf.lfWidth = f.width;
