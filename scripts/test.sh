@@ -90,7 +90,7 @@ step_asan() {
   step "address and undefined-behaviour sanitizers"
   cmake -S . -B "$BUILD/asan" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DBVX_SANITIZE=ON -DBVX_BENCH=OFF -DBVX_FIDELITY=ON
   ninja -C "$BUILD/asan" -j"$JOBS"
-  ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp" UBSAN_OPTIONS=print_stacktrace=1 \
+  ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp:print_suppressions=0" UBSAN_OPTIONS=print_stacktrace=1 \
     ctest --test-dir "$BUILD/asan" --output-on-failure
 }
 
