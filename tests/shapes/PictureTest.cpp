@@ -163,6 +163,25 @@ TEST_F(Pictures, TheDrawingWrittenAsABitmapHoldsTheWindowsPixels)
     std::filesystem::remove(file);
 }
 
+// At twice the screen's resolution a one-pixel pen draws two pixels wide.
+TEST_F(Pictures, AnExportAtAHigherResolutionWidensThePens)
+{
+    control.DrawLine(50, 10, 50, 90, 1);
+    const std::string file = (std::filesystem::temp_directory_path() / "bvx_dpi_test.bmp").string();
+    for (int16_t dpi : {0, 96, 192, 288}) {
+        ASSERT_TRUE(control.ImageToBitmap(Name(file), 101, 101, 24, dpi));
+        auto source = FileSource::Open(file);
+        DibPtr dib = DibReadBlock(*source, false);
+        ASSERT_TRUE(dib);
+        RasterDeviceContext read(CreateBitmap(101, 101));
+        DibPaint(read, {0, 0, 101, 101}, *dib, {0, 0, 101, 101}, nullptr);
+        int inked = 0;
+        for (int32_t x = 0; x < 101; ++x) inked += read.GetPixel(x, 50) != kWhite;
+        EXPECT_EQ(inked, dpi <= 96 ? 1 : dpi / 96) << dpi << " dpi";
+    }
+    std::filesystem::remove(file);
+}
+
 // A one-pixel bitmap tiled over a box millions of pixels wide is drawn
 // where it shows, and no further.
 TEST_F(Pictures, ATinyTileOverAHugeBoxFillsTheWindow)
