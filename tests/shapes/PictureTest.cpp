@@ -182,6 +182,22 @@ TEST_F(Pictures, AnExportAtAHigherResolutionWidensThePens)
     std::filesystem::remove(file);
 }
 
+// On the border method a picture is found on its frame; inside it only a
+// natural-size one is, and only where its image is. Device (x, y) is world
+// (x, 100 - y); the frames are 31 pixels square from (10, 10).
+TEST_F(Pictures, TheInsideFindsOnlyANaturalSizeImage)
+{
+    for (int16_t style : {0, 2}) {
+        control.CadClearShapes(-1);
+        const int32_t n = Picture(style, "twenty_by_twelve.bmp");
+        control.ShapePointSet(n, 1, 40, 60);
+        control.PutShapeSearchMethod(n, 0);
+        EXPECT_EQ(control.ShapeHitTest(10, 80, 2), n) << style << ": on the frame";
+        EXPECT_EQ(control.ShapeHitTest(25, 82, 2), style == 2 ? n : -1) << style << ": inside, on the image";
+        EXPECT_EQ(control.ShapeHitTest(25, 65, 2), -1) << style << ": inside, below the image";
+    }
+}
+
 // A one-pixel bitmap tiled over a box millions of pixels wide is drawn
 // where it shows, and no further.
 TEST_F(Pictures, ATinyTileOverAHugeBoxFillsTheWindow)
