@@ -3,6 +3,7 @@
 // property map, and loads that must fail without harm.
 #include "ClientSupport.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 
@@ -207,6 +208,12 @@ TEST(Persistence, NewerVersionsAndShortStreamsAreRefused)
     older[0] = 0xFF;
     older[1] = 0x02; // 0x2FF reads as the same layout
     EXPECT_EQ(LoadInto(NewControl().get(), older), S_OK);
+
+    // BackColor's entry turned into text that claims 2 GB.
+    std::vector<uint8_t> huge = bytes;
+    const uint8_t text[] = {VT_BSTR, 0, 0xFE, 0xFF, 0xFF, 0x7F};
+    std::copy(std::begin(text), std::end(text), huge.begin() + 12);
+    EXPECT_EQ(LoadInto(NewControl().get(), huge), E_FAIL);
 
     Ref<IBvxCAD> control = NewControl();
     for (size_t length = 0; length < bytes.size(); ++length)
