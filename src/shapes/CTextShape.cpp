@@ -54,15 +54,18 @@ void CTextShape::Measure(DeviceContext& dc, int32_t fontHeight, DeviceRect& rect
     DevicePoint offset{horizontal, vertical};
     const int32_t turn = Font.Orientation();
     if (turn != 0) RotateDevicePoints({&offset, 1}, turn, {0, 0});
-    const int32_t left = anchor.x - horizontal, top = anchor.y - vertical;
-    rect = {left, top, left + cx + 1, top + cy + 1};
+    // Device points may lie anywhere in 32 bits: the sums wrap as the
+    // platform's would, without overflowing.
+    auto wrap = [](int64_t v) { return WrapToInt32(double(v)); };
+    const int64_t left = int64_t(anchor.x) - horizontal, top = int64_t(anchor.y) - vertical;
+    rect = {wrap(left), wrap(top), wrap(left + cx + 1), wrap(top + cy + 1)};
     corners = {DevicePoint{rect.left, rect.top}, {rect.right, rect.top}, {rect.right, rect.bottom},
                {rect.left, rect.bottom}, {rect.left, rect.top}};
     if (turn != 0) {
         RotateDevicePoints(corners, turn, anchor);
         rect = BoxOf(corners);
     }
-    anchor = {anchor.x - offset.x, anchor.y - offset.y};
+    anchor = {wrap(int64_t(anchor.x) - offset.x), wrap(int64_t(anchor.y) - offset.y)};
 }
 
 bool CTextShape::MeasuredCorners(ShapeContext& view, DeviceContext& dc, DeviceRect& rect, Corners& corners)
@@ -87,8 +90,8 @@ void CTextShape::Render(ShapeContext& view, DeviceContext& dc, const DeviceRect&
     Corners corners;
     Measure(dc, slot.Log.height, rect, anchor, corners);
     StoreBounds(rect);
-    view.CaretX = corners[1].x - kCaretInset;
-    view.CaretY = corners[1].y - kCaretInset;
+    view.CaretX = WrapToInt32(double(corners[1].x) - kCaretInset);
+    view.CaretY = WrapToInt32(double(corners[1].y) - kCaretInset);
     if (paint && !rect.Intersected(clip).IsEmpty()) dc.TextOutA(anchor.x, anchor.y, ToAnsi(Text));
     if (old) dc.SelectFont(std::move(old));
 }
