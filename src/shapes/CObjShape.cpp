@@ -4,6 +4,7 @@
 #include "world/Rounding.h"
 #include "ShapeContext.h"
 #include "platform/DeviceContext.h"
+#include "platform/raster/WideMath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -177,8 +178,8 @@ bool HitSegment(DevicePoint a, DevicePoint b, DevicePoint point, int32_t mode)
     const int64_t dx = bx - ax, dy = hi - lo;
     // MulDiv's rounding on a wide product, so that no span of 32-bit ends overflows.
     auto mulDiv = [](int64_t x, int64_t y, int64_t z) -> int64_t {
-        __int128 product = __int128(x) * y;
-        __int128 half = z / 2;
+        const raster::Int128 product = raster::Int128(x) * y;
+        const raster::Int128 half = z / 2;
         return int64_t(product >= 0 ? (product + half) / z : (product - half) / z);
     };
     auto crossing = [&] {

@@ -2,9 +2,16 @@
 // shared by the rasterisers.
 #pragma once
 
+#include "PortableInt128.h"
+
 namespace bvx::raster {
 
+// The compiler's own where it has one; 32-bit targets have none.
+#if defined(__SIZEOF_INT128__)
 using Int128 = __int128;
+#else
+using Int128 = PortableInt128;
+#endif
 
 // floor(a / b) and ceil(a / b) for b > 0.
 inline Int128 FloorDiv(Int128 a, Int128 b)
