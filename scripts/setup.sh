@@ -7,7 +7,7 @@ PACKAGES=(
   g++ cmake ninja-build ccache pkg-config
   googletest libgtest-dev libbenchmark-dev
   clang-14 libfuzzer-14-dev libclang-rt-14-dev
-  g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64
+  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine wine64
   emscripten nodejs
   libcairo2-dev
   libfreetype-dev libfontconfig-dev fonts-liberation2 dpkg-dev
