@@ -395,11 +395,16 @@ bool CadBuf::GroupAddShape(CObjShape* group, CObjShape* shape)
     // A shape of another group stays there, and no group may hold itself
     // or a group it is in.
     if (!target || !shape || shape->Group != -1 || IsWithin(shape, target)) return false;
+    return GroupAdopt(*target, shape);
+}
+
+bool CadBuf::GroupAdopt(CGroupShape& group, CObjShape* shape)
+{
     std::unique_ptr<CObjShape> taken = DetachShape(shape);
     if (!taken) return false;
     Deselect(shape);
-    taken->Layer = target->Layer;
-    target->AddMember(std::move(taken));
+    taken->Layer = group.Layer;
+    group.AddMember(std::move(taken));
     return true;
 }
 

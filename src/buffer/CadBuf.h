@@ -16,6 +16,7 @@
 
 namespace bvx {
 
+class CGroupShape;
 class ShapeContext;
 
 class CadBuf {
@@ -100,6 +101,9 @@ public:
 
     // Groups: the member list is the group's own CadLayer.
     bool GroupAddShape(CObjShape* group, CObjShape* shape);
+    // The move itself, for a shape of a layer that may join the group;
+    // false when no layer holds it.
+    bool GroupAdopt(CGroupShape& group, CObjShape* shape);
     // Whether `group` is `shape` or lies somewhere inside it.
     bool IsWithin(const CObjShape* shape, const CObjShape* group) const;
     bool GroupAddSelection(CObjShape* group);

@@ -39,18 +39,21 @@ int16_t CadLayer::GetSearchMethod(int32_t type) const
     return SearchMethods[size_t(type)];
 }
 
+// From the front end: the shapes just added, which readers and tools move
+// on at once, are found in one step.
 size_t CadLayer::IndexOf(const CObjShape* shape) const
 {
-    auto it = std::find_if(Shapes.begin(), Shapes.end(), [&](const auto& s) { return s.get() == shape; });
-    return size_t(it - Shapes.begin());
+    for (size_t i = Shapes.size(); i-- > 0;)
+        if (Shapes[i].get() == shape) return i;
+    return Shapes.size();
 }
 
 std::unique_ptr<CObjShape> CadLayer::Take(const CObjShape* shape)
 {
-    auto it = std::find_if(Shapes.begin(), Shapes.end(), [&](const auto& s) { return s.get() == shape; });
-    if (it == Shapes.end()) return nullptr;
-    std::unique_ptr<CObjShape> taken = std::move(*it);
-    Shapes.erase(it);
+    const size_t at = IndexOf(shape);
+    if (at == Shapes.size()) return nullptr;
+    std::unique_ptr<CObjShape> taken = std::move(Shapes[at]);
+    Shapes.erase(Shapes.begin() + std::ptrdiff_t(at));
     return taken;
 }
 

@@ -178,6 +178,10 @@ public:
     int16_t GetShapeTextOrientation(int32_t number);
     void PutShapeTextOrientation(int32_t number, int16_t tenths);
 
+    // The drawing file.
+    void CadSave(std::u16string fileName, int16_t layerNumber);
+    bool CadLoad(std::u16string fileName, int16_t layerNumber, int16_t destLayerNumber, int16_t loadType);
+
     void ImageOpenBitmap(int16_t number, std::u16string fileName, int16_t style, int16_t addFlag);
     bool BackPicSet(std::u16string fileName, int16_t style, double x, double y);
     bool BackPicRemove();

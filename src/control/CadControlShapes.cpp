@@ -129,13 +129,7 @@ void CadControl::CadClearShapes(int16_t layer)
 
 void CadControl::CadClearAll()
 {
-    view_.CancelMouse();
-    view_.Buf.BackPic.reset();
-    view_.Buf.ClearAll();
-    view_.Buf.Pictures.Entries.clear();
-    view_.FontTable.ResetFonts();
-    view_.Buf.SnapMarkerUp = 0;
-    view_.Clear();
+    view_.ClearDrawing();
     view_.Buf.Reset();
     view_.FontTable.InitDefaultFont();
     Refresh();

@@ -104,6 +104,17 @@ void CadView::CancelMouse()
         DeleteShape(first, true);
 }
 
+void CadView::ClearDrawing()
+{
+    CancelMouse();
+    Buf.BackPic.reset();
+    Buf.ClearAll();
+    Buf.Pictures.Entries.clear();
+    FontTable.ResetFonts();
+    Buf.SnapMarkerUp = 0;
+    Clear();
+}
+
 void CadView::SetMouseTool(int16_t tool)
 {
     if (!IsDrawingTool(tool) && Buf.SnapMarkerUp) {

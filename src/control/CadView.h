@@ -67,6 +67,10 @@ public:
     void InvalidateSnapMarker();
 
     void CancelMouse() override;
+    // Everything the drawing holds goes: the tool's drag, the background
+    // picture, layers and shapes (numbers start again), fonts, pictures,
+    // the snap marker and the colours. No layer is left.
+    void ClearDrawing();
     void SetMouseTool(int16_t tool);
     bool DeleteShape(CObjShape* shape, bool fireEvent);
     void ShowTextCaret(bool on) override;

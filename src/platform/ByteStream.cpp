@@ -64,10 +64,14 @@ bool FileSource::Seek(uint64_t position)
 
 std::unique_ptr<FileSink> FileSink::Create(const std::string& path)
 {
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return nullptr;
-    std::setvbuf(f, nullptr, _IOFBF, kFileBufferSize);
-    return std::unique_ptr<FileSink>(new FileSink(f));
+    return Adopt(std::fopen(path.c_str(), "wb"));
+}
+
+std::unique_ptr<FileSink> FileSink::Adopt(std::FILE* file)
+{
+    if (!file) return nullptr;
+    std::setvbuf(file, nullptr, _IOFBF, kFileBufferSize);
+    return std::unique_ptr<FileSink>(new FileSink(file));
 }
 
 FileSink::FileSink(std::FILE* file) : file_(file) {}

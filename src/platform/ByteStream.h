@@ -96,6 +96,8 @@ class FileSink final : public ByteSink {
 public:
     // Creates or truncates the file.
     static std::unique_ptr<FileSink> Create(const std::string& path);
+    // Takes over a file opened for writing.
+    static std::unique_ptr<FileSink> Adopt(std::FILE* file);
     ~FileSink() override;
     bool Write(const void* data, size_t count) override;
     bool Flush() override;
