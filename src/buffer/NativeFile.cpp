@@ -1,5 +1,6 @@
 #include "NativeFile.h"
 
+#include "GroupWalk.h"
 #include "NativeStream.h"
 #include "ShapeRecords.h"
 #include "control/CadView.h"
@@ -125,19 +126,21 @@ void PutLayer(NativeWriter& out, const CadLayer& layer)
     }
 }
 
-void PutPictureTable(NativeWriter& out, CadBuf& buf, const CadLayer* only)
+void PutPictureTable(NativeWriter& out, CadBuf& buf, CadLayer* only)
 {
     std::vector<const CadPictEntry*> chosen;
     if (!only) {
         for (const CadPictEntry& entry : buf.Pictures.Entries) chosen.push_back(&entry);
     } else {
-        // One layer takes what its own pictures show, each entry once.
-        for (const auto& shape : only->Shapes) {
-            if (shape->GetShapeType() != bvxPicture) continue;
-            const auto& picture = static_cast<const CPictShape&>(*shape);
+        // One layer takes what its own pictures show, each entry once;
+        // pictures inside its groups too, or they would come back empty.
+        WalkDeep(*only, [&](CObjShape& shape) {
+            if (shape.GetShapeType() != bvxPicture) return true;
+            const auto& picture = static_cast<const CPictShape&>(shape);
             const CadPictEntry* entry = picture.HasImage() ? buf.Pictures.Find(picture.ImageName) : nullptr;
             if (entry && std::find(chosen.begin(), chosen.end(), entry) == chosen.end()) chosen.push_back(entry);
-        }
+            return true;
+        });
     }
     out.I32(int32_t(chosen.size()));
     static const DibBlock kNoImage;
@@ -147,7 +150,7 @@ void PutPictureTable(NativeWriter& out, CadBuf& buf, const CadLayer* only)
     }
 }
 
-void PutDrawing(NativeWriter& out, CadView& view, const CadLayer* only)
+void PutDrawing(NativeWriter& out, CadView& view, CadLayer* only)
 {
     CadBuf& buf = view.Buf;
     out.Bytes(only ? kLayerMagic : kWholeMagic, kMagicSize);
@@ -548,7 +551,7 @@ std::optional<int32_t> VersionOf(const char (&magic)[kMagicSize])
 
 bool Write(CadView& view, ByteSink& sink, uint16_t layerNumber)
 {
-    const CadLayer* only = nullptr;
+    CadLayer* only = nullptr;
     if (layerNumber != kAllLayers) {
         only = view.Buf.Layer(layerNumber);
         if (!only) return false;

@@ -1,0 +1,521 @@
+// The drawing file through the members a host calls: the bytes of a saved
+// drawing against a layout written out here field by field, round trips of
+// random drawings, single layers and merges, damaged files, and saves that
+// fail without harming the file they would replace.
+#include "control/CadControl.h"
+#include "control/HostDoubles.h"
+#include "control/ViewFixture.h"
+#include "shapes/CArcShape.h"
+#include "shapes/CEllipseShape.h"
+#include "shapes/CGroupShape.h"
+#include "shapes/CPictShape.h"
+#include "shapes/CPointShape.h"
+#include "shapes/CPolyShape.h"
+#include "shapes/CRectShape.h"
+#include "shapes/CTextShape.h"
+#include "platform/CodePage.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace bvx {
+namespace {
+
+namespace fs = std::filesystem;
+const std::string kPictures = BVX_TEST_DATA_DIR "/pictures/";
+
+std::vector<uint8_t> FileBytes(const fs::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+[[maybe_unused]] void PutFileBytes(const fs::path& path, const std::vector<uint8_t>& bytes)
+{
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+std::u16string Wide(const std::string& s) { return std::u16string(s.begin(), s.end()); }
+
+// Little-endian fields as the file lays them out, assembled by hand.
+struct Layout {
+    std::vector<uint8_t> bytes;
+
+    template <typename T> Layout& Le(T v, size_t size)
+    {
+        uint64_t u = 0;
+        std::memcpy(&u, &v, size);
+        for (size_t i = 0; i < size; ++i) bytes.push_back(uint8_t(u >> (8 * i)));
+        return *this;
+    }
+    Layout& U8(uint8_t v) { return Le(v, 1); }
+    Layout& I16(int16_t v) { return Le(v, 2); }
+    Layout& I32(int32_t v) { return Le(v, 4); }
+    Layout& U32(uint32_t v) { return Le(v, 4); }
+    Layout& F64(double v) { return Le(v, 8); }
+    Layout& Pt(double x, double y) { return F64(x).F64(y); }
+    // Text in a field of `size` bytes, zeros behind it.
+    Layout& Field(const std::string& text, size_t size)
+    {
+        for (size_t i = 0; i < size; ++i) bytes.push_back(i < text.size() ? uint8_t(text[i]) : 0);
+        return *this;
+    }
+    // A length that counts the NUL, then the text and the NUL.
+    Layout& Name(const std::string& text) { return I32(int32_t(text.size() + 1)).Field(text, text.size() + 1); }
+    Layout& Raw(const std::vector<uint8_t>& more)
+    {
+        bytes.insert(bytes.end(), more.begin(), more.end());
+        return *this;
+    }
+    // The head every shape starts with.
+    Layout& Head(uint16_t type, uint8_t flags, int32_t number, const std::string& notes, size_t noteUnits,
+                 const ShapeAttr* attr)
+    {
+        Le(type, 2).U8(flags).I32(number).I32(int32_t(noteUnits * 2 + 1)).Field(notes, noteUnits * 2 + 1);
+        I16(attr ? 1 : 0);
+        if (attr) U32(attr->Word0()).U32(attr->Word1());
+        return *this;
+    }
+    // A layer record up to its shapes; a group's list has no pen and brush.
+    Layout& List(const std::string& name, int16_t lineType, int16_t action, const std::vector<int32_t>& methods,
+                 const ShapeAttr* attr, int32_t count)
+    {
+        Name(name).I16(lineType).I16(action);
+        for (int32_t i = 0; i < 21; ++i) I32(i < int32_t(methods.size()) ? methods[size_t(i)] : 0);
+        if (attr) U32(attr->Word0()).U32(attr->Word1());
+        return I32(count);
+    }
+};
+
+class NativeFileTest : public ::testing::Test {
+protected:
+    NativeFileTest()
+    {
+        dir = fs::temp_directory_path() / ("bvx_native_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+                                           "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+    }
+    ~NativeFileTest() override { fs::remove_all(dir); }
+
+    std::u16string Path(const std::string& name) const { return Wide((dir / name).string()); }
+    std::vector<uint8_t> Saved(CadControl& c, const std::string& name, int16_t layer = -1)
+    {
+        c.CadSave(Path(name), layer);
+        return FileBytes(dir / name);
+    }
+
+    template <typename S> S& Add(CadControl& c, std::unique_ptr<S> shape, uint8_t typeByte, int16_t method = 0,
+                                 int32_t layer = 1)
+    {
+        shape->SetShapeType(typeByte, method);
+        S& added = *shape;
+        c.View().Buf.AddShape(std::move(shape), c.View(), layer);
+        return added;
+    }
+
+    fs::path dir;
+    testing::RecordingHostWindow window;
+    testing::RecordingEventSink sink;
+};
+
+// One shape of every type, shapes with and without their own pens, notes,
+// two fonts, a background picture, two pictures in the table and a group
+// inside a group: the saved bytes are the layout written out below.
+TEST_F(NativeFileTest, SavedBytesFollowTheLayoutFieldByField)
+{
+    CadControl c(&window, &sink);
+    CadView& v = c.View();
+    CadBuf& buf = v.Buf;
+    c.PutBackColor(0x00123456);
+    c.PutViewShowTracker(false);
+    c.PutViewSnapToShape(2);
+    c.PutViewSnapToGrid(1);
+    c.PutViewSelectMode(1);
+    c.PutViewCopyMode(1);
+    c.PutViewMouseBounds(1);
+    c.PutViewShapeMoveMode(2);
+    c.PutViewPersistMouseTool(true);
+    c.PutViewDrawOrthogonal(true);
+    c.PutViewSnapMode(1);
+    c.PutViewSnapMarkerOn(false);
+    c.GridSet(true, 5, 2.5, 0x0000FF);
+    c.PutAngleMode(1);
+    c.PutWorldSquare(false);
+    c.WorldSet(-10, 90, 110, -5);
+    const int16_t font = c.FontOpen(u"Liberation Sans,10,BI", 1);
+    ASSERT_EQ(font, 1);
+    c.FontSet(font, 2, 1, 450);
+    ASSERT_TRUE(c.BackPicSet(Wide(kPictures + "twenty_by_twelve.bmp"), 1, 5, 95));
+    buf.BackPic->P2 = {25, 83};
+    ASSERT_EQ(c.LayerOpen(u"Second"), 2);
+    c.PutLayerLineType(2, 2);
+    c.PutLayerAction(2, 5);
+    c.PutLayerNumber(1);
+    c.PutLayerSearchMethod(bvxRectangle, 1);
+
+    const ShapeAttr own = ShapeAttr::FromWords(0x00123405, 0x000001A3);
+    auto rect = std::make_unique<CRectShape>();
+    rect->P1 = {10, 80};
+    rect->P2 = {30, 60};
+    rect->Notes = u"caf\u00e9 \u20ac";
+    Add(c, std::move(rect), 1);
+    auto round = std::make_unique<CRectShape>();
+    round->P1 = {1, 2};
+    round->P2 = {3, 4};
+    round->Radius = {0.5, 0.25};
+    round->SetAttr(std::make_unique<ShapeAttr>(own));
+    Add(c, std::move(round), 2, 1);
+    auto line = std::make_unique<CRectShape>();
+    line->P1 = {-1, -2};
+    line->P2 = {7, 8};
+    line->LineType = 3;
+    Add(c, std::move(line), 3);
+    auto ellipse2 = std::make_unique<CRectShape>();
+    ellipse2->P1 = {0, 0};
+    ellipse2->P2 = {1e10, -1e-10};
+    Add(c, std::move(ellipse2), 4);
+    for (uint8_t type = 5; type <= 10; ++type) {
+        auto poly = std::make_unique<CPolyShape>();
+        for (int i = 0; i < type - 2; ++i) poly->Points.push_back({double(type), i * 0.5});
+        Add(c, std::move(poly), type, type % 2);
+    }
+    auto text = std::make_unique<CTextShape>();
+    text->Origin = {40, 50};
+    text->Extent = {4, 5};
+    text->Text = u"Hello \u00e9";
+    text->Font = v.FontTable.ReferenceTo(font);
+    text->Font.Width = 2.5;
+    Add(c, std::move(text), 11, 1);
+    const int32_t picture = c.ShapeAdd(bvxPicture, 1);
+    c.ShapePointSet(picture, 0, 60, 40);
+    c.ShapePointSet(picture, 1, 66, 36);
+    c.ImageOpenBitmap(int16_t(picture), Wide(kPictures + "three_by_two.bmp"), 1, 0);
+    for (uint8_t type = 13; type <= 15; ++type) {
+        auto arc = std::make_unique<CArcShape>();
+        arc->Centre = {50, 50};
+        arc->Radius = {double(type), 3};
+        arc->StartAngle = 0.25;
+        arc->EndAngle = -1.5;
+        Add(c, std::move(arc), type);
+    }
+    auto point = std::make_unique<CPointShape>();
+    point->Position = {12.5, -7};
+    Add(c, std::move(point), 17);
+    CGroupShape& outer = Add(c, std::make_unique<CGroupShape>(), 18);
+    CGroupShape& inner = Add(c, std::make_unique<CGroupShape>(), 18);
+    inner.SetAttr(std::make_unique<ShapeAttr>(own));
+    auto member = std::make_unique<CPointShape>();
+    member->Position = {1, 1};
+    CPointShape& innerMember = Add(c, std::move(member), 17);
+    ASSERT_TRUE(buf.GroupAddShape(&inner, &innerMember));
+    ASSERT_TRUE(buf.GroupAddShape(&outer, &inner));
+    auto circle = std::make_unique<CEllipseShape>();
+    circle->Centre = {20, 30};
+    circle->RadiusX = circle->RadiusY = 4;
+    Add(c, std::move(circle), 19);
+    auto ellipse = std::make_unique<CEllipseShape>();
+    ellipse->Centre = {-20, 30};
+    ellipse->RadiusX = 6;
+    ellipse->RadiusY = 2;
+    Add(c, std::move(ellipse), 20, 0, 2);
+    const int32_t lastColor = c.ShapeAdd(bvxPoint, 2);
+    c.PutShapePenFg(lastColor, 0x00ABCDEF); // a colour beyond the start colours
+
+    Layout f;
+    f.Field("BvxCAD.2.52_A", 14).I16(3);
+    f.I16(1).U8(0).U8(2).I32(0);
+    f.U8(0).I16(2).I16(1).I16(1).I16(1).I16(1).I16(2);
+    f.U32(0x00123456).U8(1).U8(1);
+    f.I16(2);
+    for (const auto& slot : v.FontTable.Slots) {
+        const LogFont& l = slot->Log;
+        f.U8(1).I32(l.height).I32(l.width).I32(l.escapement).I32(l.orientation).I32(l.weight);
+        for (uint8_t b : {l.italic, l.underline, l.strikeOut, l.charSet, l.outPrecision, l.clipPrecision, l.quality,
+                          l.pitchAndFamily})
+            f.U8(b);
+        f.I32(32).Field(l.faceName, 32).I16(slot->Align).I16(slot->Justify).I16(slot->Orientation);
+        f.F64(slot->Height).F64(slot->CellHeight).I32(slot->MetricCell).I32(slot->MetricEm);
+    }
+    EXPECT_EQ(v.FontTable.Slots[1]->Log.faceName, "Liberation Sans");
+    EXPECT_EQ(v.FontTable.Slots[1]->Log.weight, 700);
+    EXPECT_EQ(v.FontTable.Slots[1]->Log.italic, 1);
+    const uint8_t backFlags = uint8_t(12 | (buf.BackPic->GetSearchMethod() ? 0x80 : 0));
+    f.U8(1).Head(12, backFlags, -1, "", 0, nullptr).Pt(5, 95).Pt(25, 83).Le(uint16_t(1), 2).I32(20).I32(12);
+    f.I32(41).Field("twenty_by_twelve.bmp", 41); // twice the name's length plus one
+    f.Pt(-10, 90).Pt(-5, 110).U8(1).U32(0x0000FF).F64(5).F64(2.5).U8(0).I16(1);
+    f.I16(1).U8(0).U32(v.Buf.SnapMarkerAttr.Word0()).U32(v.Buf.SnapMarkerAttr.Word1());
+    // The pictures, each as a file of its own behind its size.
+    f.I32(2);
+    for (const char* name : {"twenty_by_twelve.bmp", "three_by_two.bmp"}) {
+        const std::vector<uint8_t> file = FileBytes(kPictures + name);
+        f.Name(name).U32(uint32_t(file.size())).Raw(file);
+    }
+    f.I32(int32_t(v.Colors().size()));
+    for (uint32_t color : v.Colors()) f.U32(color);
+    EXPECT_EQ(v.Colors().back(), 0x00ABCDEFu);
+
+    const auto layerAttr = [&](int n) { return *buf.Layers[size_t(n)]->Attr; };
+    const ShapeAttr a0 = layerAttr(0), a1 = layerAttr(1), a2 = layerAttr(2);
+    f.List("Buffer Layer", 0, 15, {}, &a0, 0);
+    std::vector<int32_t> methods(21, 0);
+    methods[1] = 1;
+    f.List("Layer 1", 0, 15, methods, &a1, 18);
+    int32_t n = 0;
+    f.Head(1, 1, ++n, "caf\xe9 \x80", 6, nullptr).Pt(10, 80).Pt(30, 60).Pt(0, 0).I16(-1);
+    f.Head(2, 0x82, ++n, "", 0, &own).Pt(1, 2).Pt(3, 4).Pt(0.5, 0.25).I16(-1);
+    f.Head(3, 3, ++n, "", 0, nullptr).Pt(-1, -2).Pt(7, 8).Pt(0, 0).I16(3);
+    f.Head(4, 4, ++n, "", 0, nullptr).Pt(0, 0).Pt(1e10, -1e-10).Pt(0, 0).I16(-1);
+    for (uint8_t type = 5; type <= 10; ++type) {
+        f.Head(type, uint8_t(type | (type % 2 ? 0x80 : 0)), ++n, "", 0, nullptr).Le(uint16_t(type - 2), 2);
+        for (int i = 0; i < type - 2; ++i) f.Pt(type, i * 0.5);
+    }
+    const uint32_t fontWord = 1u | (450u << 8) | (2u << 20) | (1u << 22) | (1u << 24);
+    f.Head(11, 0x8B, ++n, "", 0, nullptr).Pt(40, 50).Pt(4, 5).U8(8).Field("Hello \xe9", 8);
+    f.U32(fontWord).F64(10).F64(2.5);
+    const uint8_t pictureFlags = uint8_t(12 | (c.GetShapeSearchMethod(picture) ? 0x80 : 0));
+    f.Head(12, pictureFlags, ++n, "", 0, nullptr).Pt(60, 40).Pt(66, 36).Le(uint16_t(1), 2).I32(3).I32(2);
+    f.I32(33).Field("three_by_two.bmp", 33);
+    for (uint8_t type = 13; type <= 15; ++type)
+        f.Head(type, type, ++n, "", 0, nullptr).Pt(50, 50).Pt(type, 3).F64(0.25).F64(-1.5);
+    f.Head(17, 17, ++n, "", 0, nullptr).Pt(12.5, -7);
+    std::vector<int32_t> groupMethods(21, 0);
+    for (int t = 0; t <= 20; ++t) groupMethods[size_t(t)] = outer.GroupList()->SearchMethods[size_t(t)];
+    f.Head(18, 18, ++n, "", 0, nullptr).List("Group Layer", 0, 1, groupMethods, nullptr, 1);
+    f.Head(18, 18, ++n, "", 0, &own).List("Group Layer", 0, 1, groupMethods, nullptr, 1);
+    f.Head(17, 17, ++n, "", 0, nullptr).Pt(1, 1);
+    f.Head(19, 19, ++n, "", 0, nullptr).Pt(20, 30).F64(4).F64(4);
+    const size_t secondAt = f.bytes.size();
+    f.List("Second", 2, 5, {}, &a2, 2);
+    f.Head(20, 20, ++n, "", 0, nullptr).Pt(-20, 30).F64(6).F64(2);
+    const ShapeAttr& last = *buf.FindShape(lastColor)->Attr;
+    EXPECT_EQ(last.PenColor(), v.Colors().size() - 1);
+    f.Head(17, 17, ++n, "", 0, &last).Pt(0, 0);
+
+    const std::vector<uint8_t> saved = Saved(c, "exact.bvx");
+    ASSERT_FALSE(saved.empty());
+    const auto differs = std::mismatch(saved.begin(), saved.end(), f.bytes.begin(), f.bytes.end());
+    EXPECT_EQ(saved.size(), f.bytes.size());
+    EXPECT_TRUE(differs.first == saved.end()) << "first difference at byte " << (differs.first - saved.begin());
+
+    // One layer alone: no drawing head, the pictures its own shapes show
+    // (none here), every colour, and the layer.
+    Layout one;
+    one.Field("BvxCAD.2.52_B", 14).I16(1).I32(0);
+    one.I32(int32_t(v.Colors().size()));
+    for (uint32_t color : v.Colors()) one.U32(color);
+    one.bytes.insert(one.bytes.end(), f.bytes.begin() + std::ptrdiff_t(secondAt), f.bytes.end());
+    EXPECT_EQ(Saved(c, "second.bvx", 2), one.bytes);
+}
+
+// A drawing of every kind of content with random values, its shapes made
+// in the order the file keeps them, so that the numbers a load hands out
+// are the ones they had.
+class RandomDrawing {
+public:
+    RandomDrawing(CadControl& c, uint32_t seed) : c_(c), v_(c.View()), rng_(seed) {}
+
+    // The types, depth first, in file order.
+    std::vector<int16_t> types;
+
+    void Build()
+    {
+        CadBuf& buf = v_.Buf;
+        c_.PutBackColor(Below(0x1000000));
+        c_.PutViewShowTracker(Below(2));
+        c_.PutViewSnapToGrid(int16_t(Below(3)));
+        c_.PutViewSelectMode(int16_t(Below(2)));
+        c_.PutViewShapeMoveMode(int16_t(Below(3)));
+        c_.PutViewSnapMode(int16_t(Below(2)));
+        c_.GridSet(Below(2), 1 + Below(20), 0.5 + Below(9), Below(0x1000000));
+        for (int i = 0, n = int(Below(4)); i < n; ++i) c_.FontOpen(Wide("Liberation Sans," + std::to_string(1 + Below(30)) + ",B"), 1);
+        if (Below(3) == 0) c_.FontClose(int16_t(v_.FontTable.Slots.size() - 1));
+        for (int i = 0, n = int(Below(6)); i < n; ++i) v_.ColorIndex(Below(0x1000000));
+        buf.Pictures.Load(kPictures + "three_by_two.bmp", false);
+        buf.Pictures.Load(kPictures + "twenty_by_twelve.bmp", false);
+        if (Below(2)) c_.BackPicSet(Wide(kPictures + "one_by_one.bmp"), int16_t(Below(3)), Real(), Real());
+        for (int l = 0, n = 1 + int(Below(3)); l < n; ++l) {
+            const int16_t layer = c_.LayerOpen(Text(1 + Below(20)));
+            c_.PutLayerLineType(layer, int16_t(Below(4)));
+            c_.PutLayerAction(layer, int16_t(Below(16)));
+            buf.Layers[size_t(layer)]->Attr = std::make_unique<ShapeAttr>(Attr());
+            for (int16_t t = 0; t <= 20; ++t) buf.Layers[size_t(layer)]->SetSearchMethod(t, int32_t(Below(2)));
+        }
+        const int32_t layers = int32_t(buf.Layers.size());
+        for (int32_t layer = 1; layer < layers; ++layer)
+            for (int i = 0, n = int(Below(12)); i < n; ++i) Shape(layer, nullptr, 0);
+        c_.PutLayerNumber(int16_t(Below(uint32_t(layers))));
+    }
+
+private:
+    uint32_t Below(uint32_t n) { return std::uniform_int_distribution<uint32_t>(0, n - 1)(rng_); }
+    double Real() { return std::uniform_real_distribution<double>(-1e4, 1e4)(rng_); }
+    WorldPoint Point() { return {Real(), Real()}; }
+    ShapeAttr Attr() { return ShapeAttr::FromWords(uint32_t(rng_()), uint32_t(rng_())); }
+    // Text of the code page without NUL.
+    std::u16string Text(uint32_t length)
+    {
+        std::string ansi;
+        for (uint32_t i = 0; i < length; ++i) ansi += char(1 + Below(255));
+        return FromAnsiText(ansi);
+    }
+    static std::u16string FromAnsiText(const std::string& ansi);
+
+    void Shape(int32_t layer, CGroupShape* group, int depth)
+    {
+        static constexpr int16_t kTypes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 17, 18, 19, 20};
+        const int16_t type = kTypes[Below(depth < 3 ? 19 : 18) % 19];
+        std::unique_ptr<CObjShape> shape = NewShape(type);
+        shape->SetShapeType(uint8_t(type), int16_t(Below(2)));
+        if (Below(2)) shape->Notes = Text(Below(40));
+        if (Below(2)) shape->SetAttr(std::make_unique<ShapeAttr>(Attr()));
+        CObjShape* added = v_.Buf.AddShape(std::move(shape), v_, layer);
+        types.push_back(type);
+        if (type == bvxPicture && Below(3) != 0) {
+            auto& picture = static_cast<CPictShape&>(*added);
+            v_.Buf.Pictures.Bind(Below(2) ? "three_by_two.bmp" : "twenty_by_twelve.bmp", picture);
+        }
+        if (group) {
+            ASSERT_TRUE(v_.Buf.GroupAddShape(group, added));
+        }
+        if (type == bvxGroup)
+            for (int i = 0, n = int(Below(4)); i < n; ++i) Shape(layer, static_cast<CGroupShape*>(added), depth + 1);
+    }
+
+    std::unique_ptr<CObjShape> NewShape(int16_t type)
+    {
+        if (type <= bvx2PointEllipse) {
+            auto r = std::make_unique<CRectShape>();
+            r->P1 = Point(), r->P2 = Point(), r->Radius = Point();
+            r->LineType = int16_t(Below(5)) - 1;
+            return r;
+        }
+        if (type <= bvx3PointArc) {
+            auto p = std::make_unique<CPolyShape>();
+            for (uint32_t i = 0, n = Below(type == bvx3PointArc ? 4 : 30); i < n; ++i) p->Points.push_back(Point());
+            return p;
+        }
+        if (type == bvxText) {
+            auto t = std::make_unique<CTextShape>();
+            t->Origin = Point(), t->Extent = Point(), t->Text = Text(Below(255));
+            t->Font.FontWord = Below(uint32_t(v_.FontTable.Slots.size())) | (Below(1 << 17) << 8);
+            t->Font.Height = Real(), t->Font.Width = Real();
+            return t;
+        }
+        if (type == bvxPicture) {
+            auto p = std::make_unique<CPictShape>();
+            p->P1 = Point(), p->P2 = Point(), p->Style = uint16_t(Below(3));
+            return p;
+        }
+        if (type <= bvxChord) {
+            auto a = std::make_unique<CArcShape>();
+            a->Centre = Point(), a->Radius = Point(), a->StartAngle = Real(), a->EndAngle = Real();
+            return a;
+        }
+        if (type == bvxPoint) {
+            auto p = std::make_unique<CPointShape>();
+            p->Position = Point();
+            return p;
+        }
+        if (type == bvxGroup) return std::make_unique<CGroupShape>();
+        auto e = std::make_unique<CEllipseShape>();
+        e->Centre = Point(), e->RadiusX = Real(), e->RadiusY = Real();
+        return e;
+    }
+
+    CadControl& c_;
+    CadView& v_;
+    std::mt19937 rng_;
+};
+
+std::u16string RandomDrawing::FromAnsiText(const std::string& ansi)
+{
+    // The code page's own mapping, so that text survives the file's form.
+    std::u16string wide;
+    for (char ch : ansi) wide += AnsiToUnicode(uint8_t(ch));
+    return wide;
+}
+
+// Saved, loaded and saved again, a drawing gives the same bytes every time:
+// every field a load reads is one the next save writes. Loading announces
+// each shape, group members after their group, numbered in file order.
+TEST_F(NativeFileTest, RandomDrawingsSurviveSaveAndLoadUnchanged)
+{
+    for (uint32_t seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        CadControl original(&window, &sink);
+        RandomDrawing drawing(original, seed);
+        drawing.Build();
+        const std::vector<uint8_t> first = Saved(original, "a1.bvx");
+        testing::RecordingEventSink events;
+        CadControl second(&window, &events);
+        ASSERT_TRUE(second.CadLoad(Path("a1.bvx"), -1, -1, 0));
+        std::vector<std::string> expected;
+        for (size_t i = 0; i < drawing.types.size(); ++i)
+            expected.push_back("ShapeNumberAdded " + std::to_string(drawing.types[i]) + " " + std::to_string(i + 1));
+        std::vector<std::string> added;
+        for (const std::string& e : events.events)
+            if (e.rfind("ShapeNumberAdded", 0) == 0) added.push_back(e);
+        EXPECT_EQ(added, expected);
+        EXPECT_EQ(second.GetBackColor(), original.GetBackColor());
+        ASSERT_EQ(Saved(second, "a2.bvx"), first);
+        CadControl third(&window, &sink);
+        ASSERT_TRUE(third.CadLoad(Path("a2.bvx"), -1, -1, 0));
+        ASSERT_EQ(Saved(third, "a3.bvx"), first);
+        EXPECT_EQ(third.View().Buf.ShapeMap.Size(), drawing.types.size());
+    }
+}
+
+// One layer of a whole-drawing file, taken into a drawing of its own and
+// saved alone, comes back byte for byte through a file of its own kind.
+// Onto an existing layer the file's name, line type, action and pens
+// replace the layer's own, but its search table stays; LoadType 1 keeps the
+// pens too.
+TEST_F(NativeFileTest, OneLayerTravelsAloneAndMergesIntoAnother)
+{
+    for (uint32_t seed = 1; seed <= 60; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        CadControl original(&window, &sink);
+        RandomDrawing(original, seed).Build();
+        Saved(original, "whole.bvx");
+        const int16_t layer = int16_t(2 + seed % uint32_t(original.GetLayerCount() - 2));
+        CadLayer& source = *original.View().Buf.Layers[size_t(layer)];
+
+        CadControl alone(&window, &sink);
+        ASSERT_TRUE(alone.CadLoad(Path("whole.bvx"), layer, 99, 0));
+        ASSERT_EQ(alone.GetLayerCount(), 3);
+        EXPECT_EQ(alone.GetLayerName(2), source.Name);
+        EXPECT_EQ(alone.View().Buf.Layers[2]->SearchMethods, source.SearchMethods);
+        EXPECT_EQ(alone.GetLayerShapeCount(2), int32_t(source.Shapes.size()));
+        const std::vector<uint8_t> b1 = Saved(alone, "b1.bvx", 2);
+        CadControl again(&window, &sink);
+        ASSERT_TRUE(again.CadLoad(Path("b1.bvx"), -1, -1, 0));
+        EXPECT_EQ(Saved(again, "b2.bvx", 2), b1);
+
+        for (int16_t loadType : {0, 1}) {
+            CadControl merged(&window, &sink);
+            const int32_t before = merged.DrawRectangle(0, 0, 1, 1, 1);
+            const ShapeAttr ownPens = *merged.View().Buf.Layers[1]->Attr;
+            ASSERT_TRUE(merged.CadLoad(Path("b1.bvx"), 1, -1, loadType));
+            const CadLayer& target = *merged.View().Buf.Layers[1];
+            EXPECT_EQ(merged.GetLayerCount(), 2);
+            EXPECT_EQ(target.Name, source.Name);
+            EXPECT_EQ(target.LineType, source.LineType);
+            EXPECT_EQ(target.Action, source.Action);
+            EXPECT_EQ(target.SearchMethods, CadLayer().SearchMethods);
+            EXPECT_EQ(*target.Attr, loadType == 0 ? *source.Attr : ownPens);
+            EXPECT_EQ(target.Shapes.size(), source.Shapes.size() + 1);
+            EXPECT_EQ(target.Shapes.front()->Number, before);
+        }
+    }
+}
+
+} // namespace
+} // namespace bvx
