@@ -17,9 +17,16 @@
 
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <fstream>
 #include <random>
 #include <string>
@@ -37,7 +44,7 @@ std::vector<uint8_t> FileBytes(const fs::path& path)
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-[[maybe_unused]] void PutFileBytes(const fs::path& path, const std::vector<uint8_t>& bytes)
+void PutFileBytes(const fs::path& path, const std::vector<uint8_t>& bytes)
 {
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
 }
@@ -515,6 +522,214 @@ TEST_F(NativeFileTest, OneLayerTravelsAloneAndMergesIntoAnother)
             EXPECT_EQ(target.Shapes.front()->Number, before);
         }
     }
+}
+
+// A file of one layer with one group holding `depth` groups inside each
+// other around a point, written out here.
+Layout NestedGroups(int32_t depth, int32_t claimedInnermost = 1)
+{
+    Layout f;
+    f.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(0);
+    const ShapeAttr pens = ShapeAttr::Default();
+    f.List("Nest", 0, 15, {}, &pens, 1);
+    for (int32_t i = 0; i < depth; ++i)
+        f.Head(18, 18, 0, "", 0, nullptr).List("Group Layer", 0, 1, {}, nullptr, i + 1 < depth ? 1 : claimedInnermost);
+    f.Head(17, 17, 0, "", 0, nullptr).Pt(1, 2);
+    return f;
+}
+
+// The whole drawing survives any cut: every prefix of a file loads as
+// false, keeps the shapes read whole before the cut (more for a longer
+// prefix), and leaves a drawing that saves and loads again. A file that
+// isn't a drawing file leaves the drawing as it was.
+TEST_F(NativeFileTest, CutFilesLoadAsFarAsTheyGo)
+{
+    CadControl original(&window, &sink);
+    RandomDrawing drawing(original, 11);
+    drawing.Build();
+    const std::vector<uint8_t> whole = Saved(original, "whole.bvx");
+    ASSERT_GT(drawing.types.size(), 10u);
+    size_t lastCount = 0;
+    for (size_t cut = 0; cut < whole.size(); ++cut) {
+        PutFileBytes(dir / "cut.bvx", std::vector<uint8_t>(whole.begin(), whole.begin() + std::ptrdiff_t(cut)));
+        CadControl c(&window, &sink);
+        c.DrawPoint(1, 1, 1);
+        ASSERT_FALSE(c.CadLoad(Path("cut.bvx"), -1, -1, 0)) << cut;
+        const size_t count = c.View().Buf.ShapeMap.Size();
+        // Short of a whole magic nothing is touched.
+        ASSERT_GE(count, cut < 14 ? 1u : lastCount) << cut;
+        ASSERT_LE(count, cut < 14 ? 1u : drawing.types.size()) << cut;
+        if (cut >= 14) lastCount = count;
+        ASSERT_GE(c.GetLayerCount(), 1) << cut;
+        ASSERT_FALSE(c.View().FontTable.Slots.empty()) << cut;
+        if (cut % 8 != 0) continue;
+        c.CadSave(Path("again.bvx"), -1);
+        CadControl reread(&window, &sink);
+        ASSERT_TRUE(reread.CadLoad(Path("again.bvx"), -1, -1, 0)) << cut;
+        ASSERT_EQ(reread.View().Buf.ShapeMap.Size(), count) << cut;
+    }
+    EXPECT_GT(lastCount, drawing.types.size() / 2);
+
+    for (const std::string magic : {"BvxCAD.2.53_A", "bvxcad.2.52_A", "BvxCAD.2.52_C", "BvxCAD.2.52_"}) {
+        std::vector<uint8_t> wrong = whole;
+        std::copy(magic.begin(), magic.end(), wrong.begin());
+        if (magic.size() < 13) wrong[12] = 0;
+        PutFileBytes(dir / "wrong.bvx", wrong);
+        CadControl c(&window, &sink);
+        c.DrawPoint(1, 1, 1);
+        c.LayerOpen(u"Mine");
+        EXPECT_FALSE(c.CadLoad(Path("wrong.bvx"), -1, -1, 0)) << magic;
+        EXPECT_EQ(c.GetLayerNames(), u"Buffer Layer,Layer 1,Mine,") << magic;
+        EXPECT_EQ(c.GetCadShapeCount(), 1) << magic;
+    }
+    CadControl c(&window, &sink);
+    EXPECT_FALSE(c.CadLoad(Path("no such file.bvx"), -1, -1, 0));
+    EXPECT_FALSE(c.CadLoad(Wide(dir.string()), -1, -1, 0));
+}
+
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__)
+// Runs `load` in a child process allowed little more memory than it has:
+// a reader that believed a count and allocated for it would die there.
+// True when the child finished with `load` false.
+bool FailsWithinMemory(const std::function<bool()>& load)
+{
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        long pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        const rlim_t limit = rlim_t(pages) * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(64) << 20);
+        const rlimit bound{limit, limit};
+        setrlimit(RLIMIT_AS, &bound);
+        _exit(load() ? 1 : 0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+#endif
+
+// Counts and sizes that promise more than the file holds end the load with
+// false before anything is made for them; a type no class takes ends it too,
+// keeping what came before.
+TEST_F(NativeFileTest, LyingCountsAndUnknownTypesEndTheLoad)
+{
+    const ShapeAttr pens = ShapeAttr::Default();
+    // A file of one layer: a rectangle, then what the case puts after it.
+    const auto file = [&](const std::function<void(Layout&)>& after, int32_t shapes = 2) {
+        Layout f;
+        f.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(1).U32(0xFF);
+        f.List("L", 0, 15, {}, &pens, shapes);
+        f.Head(1, 1, 0, "", 0, nullptr).Pt(0, 0).Pt(1, 1).Pt(0, 0).I16(-1);
+        after(f);
+        return f.bytes;
+    };
+    const int32_t kHuge = 0x7FFFFFFF;
+    struct Case {
+        const char* what;
+        std::vector<uint8_t> bytes;
+        int32_t kept = 1; // shapes on the file's layer before the lie; -1: no layer made
+
+    };
+    const std::vector<Case> cases = {
+        {"a shape count", file([](Layout&) {}, kHuge)},
+        {"a poly's points", file([](Layout& f) { f.Head(6, 6, 0, "", 0, nullptr).Le(uint16_t(0xFFFF), 2).Pt(1, 1); })},
+        {"a note's size", file([&](Layout& f) { f.Le(uint16_t(17), 2).U8(17).I32(0).I32(kHuge).Field("x", 8); })},
+        {"a negative note", file([&](Layout& f) { f.Le(uint16_t(17), 2).U8(17).I32(0).I32(-5).Field("x", 8); })},
+        {"a picture name", file([&](Layout& f) {
+             f.Head(12, 12, 0, "", 0, nullptr).Pt(0, 0).Pt(1, 1).Le(uint16_t(0), 2).I32(0).I32(0).I32(kHuge);
+         })},
+        {"a group's members", file([&](Layout& f) { f.Head(18, 18, 0, "", 0, nullptr).List("G", 0, 1, {}, nullptr, kHuge); }), 2},
+        {"a group list's name", file([&](Layout& f) { f.Head(18, 18, 0, "", 0, nullptr).I32(kHuge); })},
+        {"type 0", file([](Layout& f) { f.Le(uint16_t(0), 2).Field("", 64); })},
+        {"type 16", file([](Layout& f) { f.Le(uint16_t(16), 2).Field("", 64); })},
+        {"type 21", file([](Layout& f) { f.Le(uint16_t(21), 2).Field("", 64); })},
+        {"type 65535", file([](Layout& f) { f.Le(uint16_t(65535), 2).Field("", 64); })},
+    };
+    Layout table;
+    table.Field("BvxCAD.2.52_B", 14).I16(1).I32(kHuge);
+    Layout bitmap;
+    bitmap.Field("BvxCAD.2.52_B", 14).I16(1).I32(1).Name("a.bmp").U32(0xFFFFFFF0).Field("BM", 14);
+    Layout colours;
+    colours.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(kHuge).U32(1);
+    Layout layerName;
+    layerName.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(0).I32(kHuge).Field("L", 4);
+    Layout fonts;
+    fonts.Field("BvxCAD.2.52_A", 14).I16(2).Field("", 27).I16(0x7FFF).U8(1).Field("", 28).I32(kHuge).Field("Arial", 8);
+    std::vector<Case> all = cases;
+    all.push_back({"the picture count", table.bytes, -1});
+    all.push_back({"a bitmap's size", bitmap.bytes, -1});
+    all.push_back({"the colour count", colours.bytes, -1});
+    all.push_back({"a layer name", layerName.bytes, 0});
+    all.push_back({"a font's face", fonts.bytes, -1});
+    all.push_back({"groups nested deeper than they are", NestedGroups(3000, 2).bytes, 1});
+
+    for (const Case& lie : all) {
+        SCOPED_TRACE(lie.what);
+        PutFileBytes(dir / "lie.bvx", lie.bytes);
+        CadControl c(&window, &sink);
+        const auto load = [&] { return c.CadLoad(Path("lie.bvx"), -1, -1, 0); };
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__)
+        EXPECT_TRUE(FailsWithinMemory(load));
+#endif
+        EXPECT_FALSE(load());
+        // What the file held before the lie stays.
+        EXPECT_EQ(c.GetLayerShapeCount(2), lie.kept);
+    }
+}
+
+// Groups nest as deep as the file goes: the reader keeps its own stack.
+TEST_F(NativeFileTest, DeeplyNestedGroupsLoad)
+{
+    constexpr int32_t kDepth = 100000;
+    PutFileBytes(dir / "deep.bvx", NestedGroups(kDepth).bytes);
+    CadControl c(&window, &sink);
+    ASSERT_TRUE(c.CadLoad(Path("deep.bvx"), -1, -1, 0));
+    EXPECT_EQ(c.View().Buf.ShapeMap.Size(), size_t(kDepth + 1));
+    EXPECT_EQ(c.GetLayerShapeCount(2), 1);
+    const int32_t first = c.View().Buf.Layers[2]->Shapes.front()->Number;
+    EXPECT_EQ(c.GetGroupShapeCount(first), 1);
+    EXPECT_EQ(c.ShapeOnGroup(first + kDepth), first + kDepth - 1);
+    c.CadSave(Path("deep2.bvx"), 2);
+    CadControl again(&window, &sink);
+    ASSERT_TRUE(again.CadLoad(Path("deep2.bvx"), -1, -1, 0));
+    EXPECT_EQ(again.View().Buf.ShapeMap.Size(), size_t(kDepth + 1));
+}
+
+// A save that can't finish leaves the file it would have replaced as it
+// was, and no temporary file behind: a folder that doesn't exist, a layer
+// that doesn't exist, a read-only mount and a full one. The mounts need
+// the right to mount; without it they are skipped.
+TEST_F(NativeFileTest, FailedSavesKeepTheOldFile)
+{
+    CadControl c(&window, &sink);
+    for (int i = 0; i < 2000; ++i) c.DrawCircle(i, i, 5, 1);
+    c.CadSave(Wide((dir / "missing" / "x.bvx").string()), -1);
+    EXPECT_FALSE(fs::exists(dir / "missing"));
+
+    const std::vector<uint8_t> old = {'o', 'l', 'd'};
+    PutFileBytes(dir / "kept.bvx", old);
+    c.CadSave(Path("kept.bvx"), 57);
+    EXPECT_EQ(FileBytes(dir / "kept.bvx"), old);
+
+    const fs::path mount = dir / "mount";
+    fs::create_directories(mount);
+    if (std::system(("mount -t tmpfs -o size=64k tmpfs '" + mount.string() + "' 2>/dev/null").c_str()) != 0)
+        GTEST_SKIP() << "no right to mount a small file system here; the full and read-only cases did not run";
+    PutFileBytes(mount / "kept.bvx", old);
+    c.CadSave(Wide((mount / "kept.bvx").string()), -1);
+    EXPECT_EQ(FileBytes(mount / "kept.bvx"), old) << "full";
+    EXPECT_EQ(std::distance(fs::directory_iterator(mount), fs::directory_iterator()), 1) << "full";
+    ASSERT_EQ(std::system(("mount -o remount,ro '" + mount.string() + "'").c_str()), 0);
+    CadControl small(&window, &sink);
+    small.DrawPoint(1, 1, 1);
+    small.CadSave(Wide((mount / "kept.bvx").string()), -1);
+    EXPECT_EQ(FileBytes(mount / "kept.bvx"), old) << "read-only";
+    EXPECT_EQ(std::system(("umount '" + mount.string() + "'").c_str()), 0);
+    // And where nothing fails, the file is replaced.
+    PutFileBytes(dir / "kept.bvx", old);
+    small.CadSave(Path("kept.bvx"), -1);
+    EXPECT_NE(FileBytes(dir / "kept.bvx"), old);
 }
 
 } // namespace
