@@ -10,7 +10,11 @@ namespace bvx {
 
 CadControl::CadControl(HostWindow* window, EventSink* sink) : view_(window, sink) {}
 
-bool CadControl::UserMode() const { return !view_.Window || view_.Window->UserMode(); }
+bool CadControl::UserMode() const
+{
+    if (userModeSource_) return userModeSource_();
+    return !view_.Window || view_.Window->UserMode();
+}
 
 void CadControl::OnDraw(HostWindow* window, DeviceContext& dc, const DeviceRect& clientBounds)
 {

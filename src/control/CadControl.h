@@ -51,8 +51,11 @@ public:
     static std::optional<int32_t> DispidOfName(std::u16string_view name);
     static const members::MemberRow* FindRow(int32_t dispid, members::Kind kind);
 
-    // The design-time gate: with no window, run time.
+    // The design-time gate asks the host's source where it set one (a host
+    // without a window asks its container), else the window; with neither,
+    // run time.
     bool UserMode() const;
+    void SetUserModeSource(std::function<bool()> source) { userModeSource_ = std::move(source); }
 
     // A host's paint: the window the control now lives in, its device
     // context (clipped to what needs painting) and its client rectangle.
@@ -379,6 +382,7 @@ private:
     ViewChangeSink* viewSink_ = nullptr;
     int32_t freezeCount_ = 0;
     bool dirty_ = false;
+    std::function<bool()> userModeSource_;
 };
 
 template <typename Change> void CadControl::ChangeShape(CObjShape& shape, Change change)

@@ -73,8 +73,27 @@ TEST_F(Host, DesignTimeGatesTheRowsThatSaySo)
     Put(u"LayerNumber", {I(1)});                    // puts are never gated
     window.userMode = true;
     EXPECT_EQ(Get(u"ShapeArea", {n}), R(100));
-    CadControl headless; // no window: run time
+
+    // A host's own source of the user mode is asked at each gated read, and
+    // overrides the window's.
+    bool sourceSays = false;
+    int asked = 0;
+    control.SetUserModeSource([&] { return ++asked, sourceSays; });
+    EXPECT_EQ(Get(u"ShapeArea", {n}, hresult::GetNotSupported), Variant::Error(777));
+    EXPECT_EQ(Get(u"GridOn"), Variant::Bool(false));
+    EXPECT_EQ(asked, 1) << "only gated rows ask";
+    sourceSays = true;
+    window.userMode = false;
+    EXPECT_EQ(Get(u"ShapeArea", {n}), R(100));
+
+    CadControl headless; // no window: run time, unless a source says otherwise
     EXPECT_TRUE(headless.UserMode());
+    headless.SetUserModeSource([] { return false; });
+    Variant untouched = Variant::Error(777);
+    EXPECT_EQ(headless.Invoke(u"LayerCount", Kind::PropertyGet, {}, &untouched), hresult::GetNotSupported);
+    EXPECT_EQ(untouched, Variant::Error(777));
+    headless.SetUserModeSource(nullptr);
+    EXPECT_EQ(headless.Invoke(u"LayerCount", Kind::PropertyGet, {}, &untouched), hresult::Ok);
 }
 
 } // namespace

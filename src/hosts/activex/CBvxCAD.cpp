@@ -50,7 +50,11 @@ std::span<const InterfaceEntry<CBvxCAD>> CBvxCAD::Interfaces()
     return table;
 }
 
-CBvxCAD::CBvxCAD() { control_.AdvisePropertyNotify(&propertyRelay_); }
+CBvxCAD::CBvxCAD()
+{
+    control_.AdvisePropertyNotify(&propertyRelay_);
+    control_.SetUserModeSource([this] { return AmbientUserMode(); });
+}
 
 STDMETHODIMP CBvxCAD::EnumConnectionPoints(IEnumConnectionPoints** out)
 {

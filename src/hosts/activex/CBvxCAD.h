@@ -31,7 +31,7 @@ public:
     CBvxCAD();
 
     // The one way into a member, for IDispatch, the vtable and persistence:
-    // the design-time gate, then CadControl's dispatch.
+    // CadControl's dispatch, which gates through AmbientUserMode.
     HRESULT CallMember(int32_t dispid, members::Kind kind, std::span<const Variant> args, Variant* result);
     template <typename Out>
     HRESULT CallFromVtable(int32_t dispid, members::Kind kind, std::span<const Variant> args, Out* out)

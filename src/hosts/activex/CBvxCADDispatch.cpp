@@ -27,8 +27,6 @@ const wchar_t* Describe(HRESULT hr)
 
 HRESULT CBvxCAD::CallMember(int32_t dispid, members::Kind kind, std::span<const Variant> args, Variant* result)
 {
-    const members::MemberRow* row = CadControl::FindRow(dispid, kind);
-    if (row && row->gate == members::Gate::DesignTimeGated && !AmbientUserMode()) return hresult::GetNotSupported;
     // No C++ exception may cross into a COM caller.
     try {
         return control_.Invoke(dispid, kind, args, result);
