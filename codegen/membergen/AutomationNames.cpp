@@ -15,6 +15,7 @@ std::string_view IdlTypeName(AutoType type)
     case AutoType::Void: return "void";
     case AutoType::I2: return "short";
     case AutoType::I4: return "long";
+    case AutoType::Int: return "int";
     case AutoType::R8: return "double";
     case AutoType::Bool: return "VARIANT_BOOL";
     case AutoType::Bstr: return "BSTR";
@@ -30,7 +31,8 @@ std::string_view BasicTypeName(AutoType type)
     switch (type) {
     case AutoType::Void: return "";
     case AutoType::I2: return "Integer";
-    case AutoType::I4: return "Long";
+    case AutoType::I4:
+    case AutoType::Int: return "Long";
     case AutoType::R8: return "Double";
     case AutoType::Bool: return "Boolean";
     case AutoType::Bstr: return "String";

@@ -12,7 +12,9 @@ namespace {
 using members::AutoType;
 using members::Kind;
 
-constexpr std::string_view kAutoTypeNames[] = {"Void", "I2", "I4", "R8", "Bool", "Bstr", "Color", "Variant", "Tool"};
+constexpr std::string_view kAutoTypeNames[] = {"Void", "I2",    "I4",      "Int", "R8",
+                                               "Bool", "Bstr", "Color", "Variant", "Tool"};
+static_assert(std::size(kAutoTypeNames) == size_t(AutoType::Tool) + 1, "one name per AutoType, in its order");
 constexpr std::string_view kKindNames[] = {"Method", "PropertyGet", "PropertyPut"};
 
 std::string_view AutoTypeName(AutoType type) { return kAutoTypeNames[size_t(type)]; }

@@ -30,10 +30,10 @@ template <> struct AutoTypeOf<Status> { static constexpr AutoType value = AutoTy
 
 template <typename T> struct AutoTypeOf<Reply<T>> : AutoTypeOf<T> {};
 
-// The enumeration is carried as a 32-bit integer.
+// The enumeration and Int are carried as 32-bit integers.
 constexpr bool SameType(AutoType declared, AutoType cpp)
 {
-    return declared == cpp || (declared == AutoType::Tool && cpp == AutoType::I4);
+    return declared == cpp || ((declared == AutoType::Tool || declared == AutoType::Int) && cpp == AutoType::I4);
 }
 
 template <typename T> HResult FromVariant(const Variant& in, T& out)
@@ -75,7 +75,8 @@ template <typename T> HResult FromVariant(const Variant& in, T& out)
     }
 }
 
-template <typename T> Variant ToVariant(const T& v)
+// A result as its row declares it: Int rows share int32_t with I4 ones.
+template <AutoType Declared, typename T> Variant ToVariant(const T& v)
 {
     if constexpr (std::is_same_v<T, Variant>) return v;
     else if constexpr (std::is_same_v<T, std::u16string>) return Variant::String(v);
@@ -83,25 +84,26 @@ template <typename T> Variant ToVariant(const T& v)
     else if constexpr (std::is_same_v<T, bool>) return Variant::Bool(v);
     else if constexpr (std::is_same_v<T, int16_t>) return Variant::I2(v);
     else if constexpr (std::is_same_v<T, uint32_t>) return Variant::I4(int32_t(v));
+    else if constexpr (Declared == AutoType::Int) return Variant::Int(v);
     else return Variant::I4(v);
 }
 
-template <typename R> HResult StoreResult(R&& r, Variant* result)
+template <AutoType Declared, typename R> HResult StoreResult(R&& r, Variant* result)
 {
     using T = std::decay_t<R>;
     if constexpr (requires { r.value; r.hr; }) {
-        if (r.value && result) *result = ToVariant(*r.value);
+        if (r.value && result) *result = ToVariant<Declared>(*r.value);
         return r.hr;
     } else {
-        if (result) *result = ToVariant<T>(r);
+        if (result) *result = ToVariant<Declared, T>(r);
         return hresult::Ok;
     }
 }
 
 using Handler = HResult (*)(CadControl&, std::span<const Variant>, Variant*);
 
-template <auto Method> struct Bind;
-template <typename R, typename... P, R (CadControl::*Method)(P...)> struct Bind<Method> {
+template <auto Method, AutoType Declared> struct Bind;
+template <typename R, typename... P, R (CadControl::*Method)(P...), AutoType Declared> struct Bind<Method, Declared> {
     static constexpr std::array<AutoType, sizeof...(P)> params{AutoTypeOf<std::decay_t<P>>::value...};
     static constexpr AutoType result =
         std::is_same_v<R, Status> ? AutoType::Void : AutoTypeOf<std::decay_t<R>>::value;
@@ -125,7 +127,7 @@ template <typename R, typename... P, R (CadControl::*Method)(P...)> struct Bind<
         } else if constexpr (std::is_same_v<R, Status>) {
             return (control.*Method)(std::move(std::get<I>(values))...).code;
         } else {
-            return StoreResult((control.*Method)(std::move(std::get<I>(values))...), out);
+            return StoreResult<Declared>((control.*Method)(std::move(std::get<I>(values))...), out);
         }
     }
 };
@@ -136,14 +138,16 @@ struct Binding {
     AutoType result;
 };
 
-template <auto Method> constexpr Binding BindingOf()
+template <auto Method, AutoType Declared> constexpr Binding BindingOf()
 {
-    return {&Bind<Method>::Call, Bind<Method>::params, Bind<Method>::result};
+    using B = Bind<Method, Declared>;
+    return {&B::Call, B::params, B::result};
 }
 
-#define BVX_METHOD(Id, Name, Result, G, Doc, ...) BindingOf<&CadControl::Name>(),
-#define BVX_GET(Id, Name, Type, G, Doc, ...) BindingOf<&CadControl::Get##Name>(),
-#define BVX_GETPUT(Id, Name, Type, G, Doc, ...) BindingOf<&CadControl::Get##Name>(), BindingOf<&CadControl::Put##Name>(),
+#define BVX_METHOD(Id, Name, Result, G, Doc, ...) BindingOf<&CadControl::Name, AutoType::Result>(),
+#define BVX_GET(Id, Name, Type, G, Doc, ...) BindingOf<&CadControl::Get##Name, AutoType::Type>(),
+#define BVX_GETPUT(Id, Name, Type, G, Doc, ...)                                                                    \
+    BindingOf<&CadControl::Get##Name, AutoType::Type>(), BindingOf<&CadControl::Put##Name, AutoType::Void>(),
 constexpr Binding kBindings[] = {
 #include "MemberTable.def"
 };
@@ -191,6 +195,7 @@ Variant DefaultOf(const members::ArgSpec& arg)
     case AutoType::R8: return Variant::R8(arg.numberDefault);
     case AutoType::Bool: return Variant::Bool(arg.numberDefault != 0);
     case AutoType::I2: return Variant::I2(int16_t(arg.numberDefault));
+    case AutoType::Int: return Variant::Int(int32_t(arg.numberDefault));
     default: return Variant::I4(int32_t(arg.numberDefault));
     }
 }

@@ -10,8 +10,9 @@
 
 namespace bvx::members {
 
-// Automation types as the interface declares them.
-enum class AutoType : uint8_t { Void, I2, I4, R8, Bool, Bstr, Color, Variant, Tool };
+// Automation types as the interface declares them. Int is the IDL's `int`,
+// 32 bits like I4 but a type of its own in a VARIANT.
+enum class AutoType : uint8_t { Void, I2, I4, Int, R8, Bool, Bstr, Color, Variant, Tool };
 
 enum class Kind : uint8_t { Method, PropertyGet, PropertyPut };
 

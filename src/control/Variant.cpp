@@ -65,6 +65,7 @@ HResult NumericValue(const Variant& in, double& value)
     case VarType::Empty: value = 0; return hresult::Ok;
     case VarType::I2:
     case VarType::I4:
+    case VarType::Int:
     case VarType::Bool: value = double(in.Integer()); return hresult::Ok;
     case VarType::R8: value = in.Real(); return hresult::Ok;
     case VarType::Bstr: return ParseNumber(in.Text(), value) ? hresult::Ok : hresult::TypeMismatch;
@@ -154,7 +155,8 @@ HResult ChangeType(const Variant& in, VarType to, Variant& out)
         case VarType::Empty: out = Variant::String(u""); return hresult::Ok;
         case VarType::Bool: out = Variant::String(in.BoolValue() ? u"True" : u"False"); return hresult::Ok;
         case VarType::I2:
-        case VarType::I4: out = Variant::String(FormatNumber(double(in.Integer()))); return hresult::Ok;
+        case VarType::I4:
+        case VarType::Int: out = Variant::String(FormatNumber(double(in.Integer()))); return hresult::Ok;
         case VarType::R8: out = Variant::String(FormatNumber(in.Real())); return hresult::Ok;
         default: return hresult::TypeMismatch;
         }
@@ -180,8 +182,9 @@ HResult ChangeType(const Variant& in, VarType to, Variant& out)
         out = Variant::I2(int16_t(integer));
         return hresult::Ok;
     case VarType::I4:
+    case VarType::Int:
         if (HResult hr = ToInteger(value, INT32_MIN, INT32_MAX, integer); hr != hresult::Ok) return hr;
-        out = Variant::I4(int32_t(integer));
+        out = to == VarType::Int ? Variant::Int(int32_t(integer)) : Variant::I4(int32_t(integer));
         return hresult::Ok;
     default: return hresult::TypeMismatch;
     }

@@ -38,6 +38,7 @@ enum class VarType : uint16_t {
     Error = 10,
     Bool = 11,
     Variant = 12,
+    Int = 22,
     Array = 0x2000,
 };
 
@@ -46,6 +47,7 @@ public:
     Variant() = default;
     static Variant I2(int16_t v) { return Variant(VarType::I2, v); }
     static Variant I4(int32_t v) { return Variant(VarType::I4, v); }
+    static Variant Int(int32_t v) { return Variant(VarType::Int, v); }
     static Variant R8(double v);
     static Variant Bool(bool v) { return Variant(VarType::Bool, v ? -1 : 0); }
     static Variant String(std::u16string s);
@@ -65,7 +67,7 @@ public:
     // The platform's full type word: VT_ARRAY | element for arrays.
     uint16_t TypeWord() const { return IsArray() ? uint16_t(0x2000 | uint16_t(element_)) : uint16_t(type_); }
 
-    int64_t Integer() const { return integer_; } // I2, I4, Bool (-1/0), Error
+    int64_t Integer() const { return integer_; } // I2, I4, Int, Bool (-1/0), Error
     double Real() const { return real_; }
     const std::u16string& Text() const;
     bool BoolValue() const { return integer_ != 0; }
@@ -99,7 +101,7 @@ private:
 
 // Conversion as the platform's VariantChangeType does it: integers round
 // half to even, out of range is an overflow, what cannot convert is a type
-// mismatch. Booleans come out as -1 and 0.
+// mismatch. Booleans come out as -1 and 0. Int converts as I4 does.
 HResult ChangeType(const Variant& in, VarType to, Variant& out);
 
 // Text forms used by hosts that print values.

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 
 namespace bvx {
 namespace {
@@ -94,6 +95,43 @@ TEST_F(Host, DesignTimeGatesTheRowsThatSaySo)
     EXPECT_EQ(untouched, Variant::Error(777));
     headless.SetUserModeSource(nullptr);
     EXPECT_EQ(headless.Invoke(u"LayerCount", Kind::PropertyGet, {}, &untouched), hresult::Ok);
+}
+
+// ViewHeight and ViewWidth are declared int: their results travel as Int,
+// which converts exactly as I4 does, in and out.
+TEST_F(Host, IntResultsConvertAsI4Does)
+{
+    EXPECT_EQ(Get(u"ViewHeight"), Variant::Int(101));
+    EXPECT_EQ(Get(u"ViewWidth"), Variant::Int(101));
+
+    const Variant inputs[] = {Variant(),
+                              Variant::I2(-7),
+                              Variant::I4(INT32_MIN),
+                              Variant::R8(2.5),
+                              Variant::R8(3.5),
+                              Variant::R8(-2147483648.6),
+                              Variant::R8(2147483647.4),
+                              Variant::R8(1e300),
+                              Variant::R8(std::nan("")),
+                              Variant::Bool(true),
+                              S(u" 42 "),
+                              S(u"4e3"),
+                              S(u"many"),
+                              Variant::Null(),
+                              Variant::Missing()};
+    for (const Variant& in : inputs) {
+        Variant asI4, asInt;
+        EXPECT_EQ(ChangeType(in, VarType::Int, asInt), ChangeType(in, VarType::I4, asI4))
+            << ::testing::PrintToString(in);
+        EXPECT_EQ(asInt, asI4.Type() == VarType::I4 ? Variant::Int(int32_t(asI4.Integer())) : asI4);
+    }
+    for (int32_t v : {0, -1, 40000, INT32_MAX}) {
+        for (VarType to : {VarType::I2, VarType::I4, VarType::Int, VarType::R8, VarType::Bool, VarType::Bstr}) {
+            Variant fromI4, fromInt;
+            EXPECT_EQ(ChangeType(Variant::Int(v), to, fromInt), ChangeType(Variant::I4(v), to, fromI4)) << v;
+            EXPECT_EQ(fromInt, fromI4) << v << " to " << int(to);
+        }
+    }
 }
 
 } // namespace

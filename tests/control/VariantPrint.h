@@ -13,6 +13,7 @@ inline void PrintTo(const Variant& v, std::ostream* os)
     case VarType::Empty: *os << "Empty"; break;
     case VarType::I2: *os << "I2 " << v.Integer(); break;
     case VarType::I4: *os << "I4 " << v.Integer(); break;
+    case VarType::Int: *os << "Int " << v.Integer(); break;
     case VarType::R8: *os << "R8 " << v.Real(); break;
     case VarType::Bool: *os << "Bool " << v.Integer(); break;
     case VarType::Bstr: *os << "String \"" << ToUtf8(v.Text()) << '"'; break;

@@ -84,6 +84,7 @@ HRESULT ToCore(const VARIANT& in, Variant& out)
     case VT_NULL: out = Variant::Null(); return S_OK;
     case VT_I2: out = Variant::I2(V_I2(&v)); return S_OK;
     case VT_I4: out = Variant::I4(V_I4(&v)); return S_OK;
+    case VT_INT: out = Variant::Int(V_INT(&v)); return S_OK;
     case VT_R8: out = Variant::R8(V_R8(&v)); return S_OK;
     case VT_BOOL: out = Variant::Bool(V_BOOL(&v) != VARIANT_FALSE); return S_OK;
     case VT_BSTR: out = Variant::String(FromBstr(V_BSTR(&v))); return S_OK;
@@ -92,7 +93,6 @@ HRESULT ToCore(const VARIANT& in, Variant& out)
     case VT_UI1:
     case VT_UI2:
     case VT_UI4:
-    case VT_INT:
     case VT_UINT:
     case VT_I8:
     case VT_UI8:
@@ -121,6 +121,7 @@ HRESULT ToCom(const Variant& in, VARIANT* out)
         V_I2(out) = SHORT(in.Integer());
         return S_OK;
     case VarType::I4:
+    case VarType::Int:
         V_VT(out) = VT_I4;
         V_I4(out) = LONG(in.Integer());
         return S_OK;

@@ -23,6 +23,8 @@ BSTR ToBstr(const std::u16string& text);
 // numeric types widened to a double; objects and arrays are a type mismatch.
 HRESULT ToCore(const VARIANT& in, Variant& out);
 // The core's value as a new VARIANT, arrays as SAFEARRAYs with lower bound 0.
+// An Int leaves as VT_I4, as the platform's type-library dispatch hands back
+// an `int`; script hosts do no arithmetic on VT_INT.
 HRESULT ToCom(const Variant& in, VARIANT* out);
 
 // One vtable argument, by the type its row declares.
@@ -39,6 +41,8 @@ template <members::AutoType T, typename V> Variant ToArgument(V value)
         return Variant::String(FromBstr(value));
     else if constexpr (T == AutoType::Color)
         return Variant::I4(int32_t(value));
+    else if constexpr (T == AutoType::Int)
+        return Variant::Int(value);
     else {
         static_assert(T == AutoType::I4 || T == AutoType::Tool);
         return Variant::I4(int32_t(value));

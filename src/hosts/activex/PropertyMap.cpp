@@ -96,6 +96,7 @@ VARTYPE DeclaredType(DISPID id)
     case members::AutoType::Bool: return VT_BOOL;
     case members::AutoType::Bstr: return VT_BSTR;
     case members::AutoType::I4:
+    case members::AutoType::Int:
     case members::AutoType::Color:
     case members::AutoType::Tool: return VT_I4;
     default: return VT_EMPTY;

@@ -50,6 +50,7 @@ bool Converts(const Variant& value, AutoType type)
         [[fallthrough]];
     case AutoType::I4:
     case AutoType::Tool: return ChangeType(value, VarType::I4, converted) == hresult::Ok;
+    case AutoType::Int: return ChangeType(value, VarType::Int, converted) == hresult::Ok;
     }
     return false;
 }

@@ -48,7 +48,8 @@ std::string FormatValue(const Variant& value)
     case VarType::Empty: return "Empty";
     case VarType::Null: return "Null";
     case VarType::I2:
-    case VarType::I4: return std::to_string(value.Integer());
+    case VarType::I4:
+    case VarType::Int: return std::to_string(value.Integer());
     case VarType::R8: return ToUtf8(FormatNumber(value.Real()));
     case VarType::Bool: return value.BoolValue() ? "True" : "False";
     case VarType::Bstr: return Quoted(value.Text());

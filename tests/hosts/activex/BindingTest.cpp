@@ -30,8 +30,10 @@ Outcome CallThroughVtable(ITypeInfo* info, IBvxCAD* control, const wchar_t* name
     });
 }
 
-// Colours travel through Invoke as VT_I4, which every script host reads; the
-// type library declares OLE_COLOR unsigned. The bits must agree.
+// Colours travel through Invoke as VT_I4, though the type library's
+// OLE_COLOR makes the platform's own dispatch give VT_UI4: Wine's VBScript
+// can neither compare nor add a VT_UI4 (errors 13 and 458), so a script
+// could not test a colour it read. The bits must agree.
 ::testing::AssertionResult SameAnswer(const Value& byInvoke, const Value& byVtable)
 {
     if (byInvoke.Type() == VT_I4 && byVtable.Type() == VT_UI4) {

@@ -18,6 +18,8 @@ cad.AngleMode = 1.0
 CheckEqual cad.AngleMode, 1, "a whole double converts to an integer"
 cad.BackColor = &H123456
 CheckEqual cad.BackColor, &H123456, "colour round trip"
+CheckEqual cad.BackColor + 1, &H123457, "a colour is a number to compute with"
+CheckEqual cad.ViewWidth + cad.ViewHeight, 0, "so are the sizes of a view without a window"
 cad.WorldCoordPrecision = 2
 cad.WorldSet 0.123, 10.456, 20.789, 0.001
 CheckNear cad.WorldLeft, 0.12, "an edge is rounded to the precision"
