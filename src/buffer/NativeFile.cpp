@@ -253,7 +253,7 @@ bool DrawingReader::Run(bool wholeKind)
     if (whole) view_.ClearDrawing();
     const int16_t count = in_.I16();
     int16_t savedLayer = 1;
-    bool ok = in_.Ok() && (!wholeKind || ReadDrawingHead(savedLayer));
+    bool ok = in_.Ok() && count >= 0 && (!wholeKind || ReadDrawingHead(savedLayer));
     view_.RebuildBackBuffer = true;
     if (ok && version_ >= 8) {
         ok = ReadPictureTable();
@@ -433,6 +433,7 @@ bool DrawingReader::ReadListHead(ListHead& head, bool withAttr)
         head.attr = ShapeAttr::FromWords(word0, in_.U32());
     }
     head.count = in_.I32();
+    if (head.count < 0) return Fail();
     return in_.Ok();
 }
 

@@ -656,7 +656,11 @@ TEST_F(NativeFileTest, LyingCountsAndUnknownTypesEndTheLoad)
     layerName.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(0).I32(kHuge).Field("L", 4);
     Layout fonts;
     fonts.Field("BvxCAD.2.52_A", 14).I16(2).Field("", 27).I16(0x7FFF).U8(1).Field("", 28).I32(kHuge).Field("Arial", 8);
+    Layout negativeLayers;
+    negativeLayers.Field("BvxCAD.2.52_B", 14).I16(-1).I32(0).I32(0);
     std::vector<Case> all = cases;
+    all.push_back({"a negative shape count", file([](Layout&) {}, -1), 0});
+    all.push_back({"a negative layer count", negativeLayers.bytes, -1});
     all.push_back({"the picture count", table.bytes, -1});
     all.push_back({"a bitmap's size", bitmap.bytes, -1});
     all.push_back({"the colour count", colours.bytes, -1});
