@@ -5,27 +5,22 @@
 namespace bvx::client {
 namespace {
 
+constexpr DISPID kDrawLine = 136;
+constexpr DISPID kWorldLeft = 52;
+constexpr DISPID kCadShapeCount = 189;
+constexpr DISPID kLayerName = 59;
+constexpr WORD kMethod = DISPATCH_METHOD;
+constexpr WORD kPut = DISPATCH_PROPERTYPUT;
+const std::vector<DISPID> kValue = {DISPID_PROPERTYPUT};
+
 struct BadCall {
     const char* what;
     DISPID dispid;
     WORD flags;
     std::vector<Value> args;   // in declaration order
-    std::vector<DISPID> named; // dispids of the first args, if named
+    std::vector<DISPID> named; // for the last args, the last first
     HRESULT expected;
 };
-
-constexpr DISPID kDrawLine = 136;
-constexpr DISPID kWorldLeft = 52;
-constexpr DISPID kCadShapeCount = 189;
-constexpr DISPID kLayerName = 59;
-
-Value Reference(LONG* target)
-{
-    Value v;
-    V_VT(v.get()) = VT_BYREF | VT_I4;
-    V_I4REF(v.get()) = target;
-    return v;
-}
 
 Value NullObject()
 {
@@ -38,67 +33,27 @@ Value NullObject()
 std::vector<BadCall> BadCalls()
 {
     using V = Value;
-    const std::vector<Value> line = {V::R8(0), V::R8(0), V::R8(5), V::R8(5)};
+    const V zero = V::R8(0), five = V::R8(5);
+    const std::vector<Value> line = {zero, zero, five, five};
     auto with = [&](std::vector<Value> more) {
-        std::vector<Value> all = line;
-        all.insert(all.end(), more.begin(), more.end());
-        return all;
+        more.insert(more.begin(), line.begin(), line.end());
+        return more;
     };
     return {
-        {"an unknown dispid", 9999, DISPATCH_METHOD, {}, {}, DISP_E_MEMBERNOTFOUND},
-        {"a write to a read-only property",
-         kCadShapeCount,
-         DISPATCH_PROPERTYPUT,
-         {V::I4(3)},
-         {DISPID_PROPERTYPUT},
-         DISP_E_MEMBERNOTFOUND},
+        {"an unknown dispid", 9999, kMethod, {}, {}, DISP_E_MEMBERNOTFOUND},
+        {"a write to a read-only property", kCadShapeCount, kPut, {V::I4(3)}, kValue, DISP_E_MEMBERNOTFOUND},
         {"a method read as a property", kDrawLine, DISPATCH_PROPERTYGET, line, {}, DISP_E_MEMBERNOTFOUND},
-        {"text for a number",
-         kDrawLine,
-         DISPATCH_METHOD,
-         {V::Text(L"left"), V::R8(0), V::R8(5), V::R8(5)},
-         {},
-         DISP_E_TYPEMISMATCH},
-        {"an object for a number",
-         kDrawLine,
-         DISPATCH_METHOD,
-         {NullObject(), V::R8(0), V::R8(5), V::R8(5)},
-         {},
-         DISP_E_TYPEMISMATCH},
-        {"a layer beyond 16 bits", kDrawLine, DISPATCH_METHOD, with({V::I4(70000)}), {}, DISP_E_OVERFLOW},
-        {"too few arguments", kDrawLine, DISPATCH_METHOD, {V::R8(0), V::R8(0)}, {}, DISP_E_PARAMNOTOPTIONAL},
-        {"too many arguments", kDrawLine, DISPATCH_METHOD, with({V::I2(1), V::I2(1)}), {}, DISP_E_BADPARAMCOUNT},
-        {"a named argument past the last", kDrawLine, DISPATCH_METHOD, with({V::I2(1)}), {9}, DISP_E_PARAMNOTFOUND},
-        {"a named argument that is also positional", kDrawLine, DISPATCH_METHOD, line, {0}, DISP_E_PARAMNOTFOUND},
-        {"a write without its value", kWorldLeft, DISPATCH_PROPERTYPUT, {V::R8(3)}, {}, DISP_E_PARAMNOTOPTIONAL},
-        {"an indexed write without its index",
-         kLayerName,
-         DISPATCH_PROPERTYPUT,
-         {V::Text(L"x")},
-         {DISPID_PROPERTYPUT},
-         DISP_E_PARAMNOTOPTIONAL},
-        {"text for an edge",
-         kWorldLeft,
-         DISPATCH_PROPERTYPUT,
-         {V::Text(L"west")},
-         {DISPID_PROPERTYPUT},
-         DISP_E_TYPEMISMATCH},
+        {"text for a number", kDrawLine, kMethod, {V::Text(L"left"), zero, five, five}, {}, DISP_E_TYPEMISMATCH},
+        {"an object for a number", kDrawLine, kMethod, {NullObject(), zero, five, five}, {}, DISP_E_TYPEMISMATCH},
+        {"a layer beyond 16 bits", kDrawLine, kMethod, with({V::I4(70000)}), {}, DISP_E_OVERFLOW},
+        {"too few arguments", kDrawLine, kMethod, {zero, zero}, {}, DISP_E_PARAMNOTOPTIONAL},
+        {"too many arguments", kDrawLine, kMethod, with({V::I2(1), V::I2(1)}), {}, DISP_E_BADPARAMCOUNT},
+        {"a named argument past the last", kDrawLine, kMethod, with({V::I2(1)}), {9}, DISP_E_PARAMNOTFOUND},
+        {"a named argument that is also positional", kDrawLine, kMethod, line, {0}, DISP_E_PARAMNOTFOUND},
+        {"a write without its value", kWorldLeft, kPut, {V::R8(3)}, {}, DISP_E_PARAMNOTOPTIONAL},
+        {"an indexed write without its index", kLayerName, kPut, {V::Text(L"x")}, kValue, DISP_E_PARAMNOTOPTIONAL},
+        {"text for an edge", kWorldLeft, kPut, {V::Text(L"west")}, kValue, DISP_E_TYPEMISMATCH},
     };
-}
-
-// Invoke with args in declaration order; the first named.size() of them
-// travel as named arguments.
-HRESULT InvokeRaw(IDispatch* control, const BadCall& call, VARIANT* result)
-{
-    std::vector<VARIANT> packed;
-    const size_t named = call.named.size();
-    // Named ones first, in the order given, then positional ones last first.
-    for (size_t i = 0; i < named && i < call.args.size(); ++i) packed.push_back(*call.args[call.args.size() - 1 - i]);
-    for (size_t i = call.args.size() - named; i-- > 0;) packed.push_back(*call.args[i]);
-    std::vector<DISPID> names(call.named.begin(), call.named.end());
-    DISPPARAMS params{packed.data(), names.empty() ? nullptr : names.data(), UINT(packed.size()), UINT(names.size())};
-    UINT argError = 0;
-    return control->Invoke(call.dispid, IID_NULL, LOCALE_USER_DEFAULT, call.flags, &params, result, nullptr, &argError);
 }
 
 TEST(BadInput, EachCallGivesItsCodeAndChangesNothing)
@@ -109,9 +64,9 @@ TEST(BadInput, EachCallGivesItsCodeAndChangesNothing)
     double left = 0;
     control->get_WorldLeft(&left);
     for (const BadCall& call : BadCalls()) {
-        Value result;
-        EXPECT_EQ(HexCode(InvokeRaw(control.get(), call, result.get())), HexCode(call.expected)) << call.what;
-        EXPECT_EQ(result.Type(), VT_EMPTY) << call.what;
+        Outcome outcome = InvokeById(control.get(), call.dispid, call.flags, call.args, call.named);
+        EXPECT_EQ(HexCode(outcome.hr), HexCode(call.expected)) << call.what;
+        EXPECT_EQ(outcome.result.Type(), VT_EMPTY) << call.what;
         long count = 0;
         ASSERT_EQ(control->get_CadShapeCount(&count), S_OK) << call.what;
         EXPECT_EQ(count, 1) << call.what;
@@ -124,20 +79,18 @@ TEST(BadInput, EachCallGivesItsCodeAndChangesNothing)
 TEST(BadInput, MalformedParametersAreRefused)
 {
     Ref<IBvxCAD> control = NewControl();
-    VARIANT result;
-    VariantInit(&result);
-    EXPECT_EQ(control->Invoke(kCadShapeCount, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, &result, nullptr, nullptr),
-              E_INVALIDARG);
+    Value result;
+    auto invoke = [&](DISPID dispid, DISPPARAMS* params, REFIID riid = IID_NULL) {
+        return control->Invoke(dispid, riid, 0, DISPATCH_PROPERTYGET | kMethod, params, result.get(), nullptr, nullptr);
+    };
     DISPPARAMS moreNamedThanGiven{nullptr, nullptr, 0, 1};
-    EXPECT_EQ(control->Invoke(kCadShapeCount, IID_NULL, 0, DISPATCH_PROPERTYGET, &moreNamedThanGiven, &result, nullptr,
-                              nullptr),
-              E_INVALIDARG);
     DISPPARAMS countsWithoutArrays{nullptr, nullptr, 2, 0};
-    EXPECT_EQ(control->Invoke(kDrawLine, IID_NULL, 0, DISPATCH_METHOD, &countsWithoutArrays, &result, nullptr, nullptr),
-              E_INVALIDARG);
     DISPPARAMS none{nullptr, nullptr, 0, 0};
-    EXPECT_EQ(control->Invoke(kCadShapeCount, IID_IDispatch, 0, DISPATCH_PROPERTYGET, &none, &result, nullptr, nullptr),
-              DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(invoke(kCadShapeCount, nullptr), E_INVALIDARG);
+    EXPECT_EQ(invoke(kCadShapeCount, &moreNamedThanGiven), E_INVALIDARG);
+    EXPECT_EQ(invoke(kDrawLine, &countsWithoutArrays), E_INVALIDARG);
+    EXPECT_EQ(invoke(kCadShapeCount, &none, IID_IDispatch), DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(result.Type(), VT_EMPTY);
     EXPECT_EQ(control->put_BackColor(5), S_OK);
 }
 
@@ -148,30 +101,25 @@ TEST(BadInput, NamesAndNamedArgumentsThatDoWork)
                         const_cast<LPOLESTR>(L"Y2"), const_cast<LPOLESTR>(L"Colour")};
     DISPID ids[4] = {};
     EXPECT_EQ(control->GetIDsOfNames(IID_NULL, names, 4, 0, ids), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(ids[0], kDrawLine);
-    EXPECT_EQ(ids[1], 4);
-    EXPECT_EQ(ids[2], 3);
-    EXPECT_EQ(ids[3], DISPID_UNKNOWN);
+    EXPECT_EQ(std::vector<DISPID>(ids, ids + 4), (std::vector<DISPID>{kDrawLine, 4, 3, DISPID_UNKNOWN}));
     LPOLESTR unknown[] = {const_cast<LPOLESTR>(L"DrawTriangle")};
     EXPECT_EQ(control->GetIDsOfNames(IID_NULL, unknown, 1, 0, ids), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(ids[0], DISPID_UNKNOWN);
 
     // The layer passed by name, the rest by position; a number by reference.
-    LONG layer = 1;
-    BadCall named{"named layer",
-                  kDrawLine,
-                  DISPATCH_METHOD,
-                  {Value::R8(0), Value::R8(0), Reference(&layer), Value::R8(5), Value::I2(1)},
-                  {4},
-                  S_OK};
-    Value drawn;
-    ASSERT_EQ(InvokeRaw(control.get(), named, drawn.get()), S_OK);
+    LONG byReference = 1;
+    Value x2;
+    V_VT(x2.get()) = VT_BYREF | VT_I4;
+    V_I4REF(x2.get()) = &byReference;
+    Outcome drawn = InvokeById(control.get(), kDrawLine, kMethod,
+                               {Value::R8(0), Value::R8(0), x2, Value::R8(5), Value::I2(1)}, {4});
+    ASSERT_EQ(drawn.hr, S_OK);
     short onLayer = -1;
-    control->ShapeOnLayer(V_I4(drawn.get()), &onLayer);
+    control->ShapeOnLayer(V_I4(drawn.result.get()), &onLayer);
     EXPECT_EQ(onLayer, 1);
-    double x2 = 0;
-    control->ShapePointGetX(V_I4(drawn.get()), 1, &x2);
-    EXPECT_EQ(x2, 1.0) << "the value behind the reference";
+    double read = 0;
+    control->ShapePointGetX(V_I4(drawn.result.get()), 1, &read);
+    EXPECT_EQ(read, 1.0) << "the value behind the reference";
 }
 
 } // namespace

@@ -70,29 +70,37 @@ Ref<IBvxCAD> NewControl()
     return Ref<IBvxCAD>(control);
 }
 
-Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, std::vector<Value> args)
+std::vector<DISPID> NamesFor(WORD flags)
 {
-    DISPID dispid = DISPID_UNKNOWN;
-    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-    if (HRESULT hr = control->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &dispid); FAILED(hr)) {
-        Outcome unknown;
-        unknown.hr = hr;
-        return unknown;
-    }
-    return Packed(flags, args, [&](DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception) {
+    return flags & DISPATCH_PROPERTYPUT ? std::vector<DISPID>{DISPID_PROPERTYPUT} : std::vector<DISPID>{};
+}
+
+Outcome InvokeById(IDispatch* control, DISPID dispid, WORD flags, const std::vector<Value>& args,
+                   const std::vector<DISPID>& named)
+{
+    return Packed(args, named, [&](DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception) {
         return control->Invoke(dispid, IID_NULL, LOCALE_USER_DEFAULT, flags, params, result, exception, nullptr);
     });
 }
 
-Outcome Get(IDispatch* control, const wchar_t* name, std::vector<Value> args)
+Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, const std::vector<Value>& args)
 {
-    return Call(control, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, std::move(args));
+    DISPID dispid = DISPID_UNKNOWN;
+    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+    Outcome unknown;
+    unknown.hr = control->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &dispid);
+    return FAILED(unknown.hr) ? unknown : InvokeById(control, dispid, flags, args, NamesFor(flags));
+}
+
+Outcome Get(IDispatch* control, const wchar_t* name, const std::vector<Value>& args)
+{
+    return Call(control, name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, args);
 }
 
 Outcome Put(IDispatch* control, const wchar_t* name, Value value, std::vector<Value> index)
 {
     index.push_back(std::move(value));
-    return Call(control, name, DISPATCH_PROPERTYPUT, std::move(index));
+    return Call(control, name, DISPATCH_PROPERTYPUT, index);
 }
 
 std::string HexCode(HRESULT hr)
@@ -101,5 +109,7 @@ std::string HexCode(HRESULT hr)
     std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
     return text;
 }
+
+std::string Narrow(const wchar_t* text) { return std::string(text, text + wcslen(text)); }
 
 } // namespace bvx::client

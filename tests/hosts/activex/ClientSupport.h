@@ -1,5 +1,5 @@
 // What the client tests share: a control made by its ProgID, values that
-// clear themselves, and late-bound calls by name.
+// clear themselves, and late-bound calls by name or by dispid.
 #pragma once
 
 #include "ComObject.h"
@@ -58,23 +58,29 @@ template <typename I> Ref<I> As(IUnknown* from, const IID& iid)
     return Ref<I>(p);
 }
 
-// A late-bound call: the name through GetIDsOfNames, the arguments in
-// declaration order; a put takes its value last.
+// The IDispatch of a test object that is called by dispid alone.
+struct DispatchById : IDispatch {
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+};
+
 struct Outcome {
     HRESULT hr = E_FAIL;
     Value result;
     SCODE exceptionCode = 0;
 };
-// The arguments packed as Invoke takes them (last first, a put's value
-// named), handed to `invoke(params, result, exception)`.
-template <typename Invoke> Outcome Packed(WORD flags, const std::vector<Value>& args, Invoke invoke)
+
+// The arguments, in declaration order, packed as Invoke takes them: last
+// first, and the last named.size() of them named, named[0] naming the last.
+// Handed to `invoke(params, result, exception)`.
+template <typename Invoke> Outcome Packed(const std::vector<Value>& args, std::vector<DISPID> named, Invoke invoke)
 {
     Outcome outcome;
     std::vector<VARIANT> reversed;
     for (auto it = args.rbegin(); it != args.rend(); ++it) reversed.push_back(**it);
-    DISPID putId = DISPID_PROPERTYPUT;
-    const bool put = flags & DISPATCH_PROPERTYPUT;
-    DISPPARAMS params{reversed.data(), put ? &putId : nullptr, UINT(reversed.size()), put ? 1u : 0u};
+    DISPPARAMS params{reversed.data(), named.empty() ? nullptr : named.data(), UINT(reversed.size()),
+                      UINT(named.size())};
     EXCEPINFO exception{};
     outcome.hr = invoke(&params, outcome.result.get(), &exception);
     outcome.exceptionCode = exception.scode;
@@ -84,10 +90,17 @@ template <typename Invoke> Outcome Packed(WORD flags, const std::vector<Value>& 
     return outcome;
 }
 
-Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, std::vector<Value> args = {});
-Outcome Get(IDispatch* control, const wchar_t* name, std::vector<Value> args = {});
+// A put's value travels as the named argument DISPID_PROPERTYPUT.
+std::vector<DISPID> NamesFor(WORD flags);
+
+Outcome InvokeById(IDispatch* control, DISPID dispid, WORD flags, const std::vector<Value>& args,
+                   const std::vector<DISPID>& named);
+// Late-bound by name through GetIDsOfNames; a put takes its value last.
+Outcome Call(IDispatch* control, const wchar_t* name, WORD flags, const std::vector<Value>& args = {});
+Outcome Get(IDispatch* control, const wchar_t* name, const std::vector<Value>& args = {});
 Outcome Put(IDispatch* control, const wchar_t* name, Value value, std::vector<Value> index = {});
 
 std::string HexCode(HRESULT hr);
+std::string Narrow(const wchar_t* text);
 
 } // namespace bvx::client

@@ -16,20 +16,13 @@ struct Named {
 };
 
 const Named kInterfaces[] = {
-    {"IBvxCAD", &IID_IBvxCAD},
-    {"IDispatch", &IID_IDispatch},
-    {"IConnectionPointContainer", &IID_IConnectionPointContainer},
-    {"IProvideClassInfo", &IID_IProvideClassInfo},
-    {"IProvideClassInfo2", &IID_IProvideClassInfo2},
-    {"ISupportErrorInfo", &IID_ISupportErrorInfo},
-    {"IOleControl", &IID_IOleControl},
-    {"IOleObject", &IID_IOleObject},
-    {"IObjectSafety", &IID_IObjectSafety},
-    {"ISpecifyPropertyPages", &IID_ISpecifyPropertyPages},
-    {"IPerPropertyBrowsing", &IID_IPerPropertyBrowsing},
-    {"IPersist", &IID_IPersist},
-    {"IPersistStreamInit", &IID_IPersistStreamInit},
-    {"IPersistPropertyBag", &IID_IPersistPropertyBag},
+    {"IBvxCAD", &IID_IBvxCAD}, {"IDispatch", &IID_IDispatch},
+    {"IConnectionPointContainer", &IID_IConnectionPointContainer}, {"IProvideClassInfo", &IID_IProvideClassInfo},
+    {"IProvideClassInfo2", &IID_IProvideClassInfo2}, {"ISupportErrorInfo", &IID_ISupportErrorInfo},
+    {"IOleControl", &IID_IOleControl}, {"IOleObject", &IID_IOleObject},
+    {"IObjectSafety", &IID_IObjectSafety}, {"ISpecifyPropertyPages", &IID_ISpecifyPropertyPages},
+    {"IPerPropertyBrowsing", &IID_IPerPropertyBrowsing}, {"IPersist", &IID_IPersist},
+    {"IPersistStreamInit", &IID_IPersistStreamInit}, {"IPersistPropertyBag", &IID_IPersistPropertyBag},
     {"IPersistStorage", &IID_IPersistStorage},
 };
 
@@ -49,6 +42,15 @@ TEST(Interfaces, EachAnswersAndLeadsBackToOneIdentity)
     EXPECT_EQ(none, nullptr);
 }
 
+::testing::AssertionResult Describes(ITypeInfo* info, const GUID& guid, TYPEKIND kind)
+{
+    TYPEATTR* attributes = nullptr;
+    if (!info || info->GetTypeAttr(&attributes) != S_OK) return ::testing::AssertionFailure() << "no attributes";
+    const bool same = IsEqualGUID(attributes->guid, guid) && attributes->typekind == kind;
+    info->ReleaseTypeAttr(attributes);
+    return same ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << "another type";
+}
+
 TEST(Interfaces, ClassInformationNamesTheEventInterface)
 {
     Ref<IBvxCAD> control = NewControl();
@@ -60,32 +62,23 @@ TEST(Interfaces, ClassInformationNamesTheEventInterface)
 
     Ref<ITypeInfo> coclass;
     ASSERT_EQ(info->GetClassInfo(coclass.Out()), S_OK);
-    TYPEATTR* attributes = nullptr;
-    ASSERT_EQ(coclass->GetTypeAttr(&attributes), S_OK);
-    EXPECT_TRUE(IsEqualGUID(attributes->guid, CLSID_BvxCAD));
-    EXPECT_EQ(attributes->typekind, TKIND_COCLASS);
+    EXPECT_TRUE(Describes(coclass.get(), CLSID_BvxCAD, TKIND_COCLASS));
     bool sourceFound = false;
-    for (UINT i = 0; i < attributes->cImplTypes; ++i) {
+    for (UINT i = 0; i < 2; ++i) {
         INT flags = 0;
         HREFTYPE ref = 0;
         Ref<ITypeInfo> implemented;
-        coclass->GetImplTypeFlags(i, &flags);
+        ASSERT_EQ(coclass->GetImplTypeFlags(i, &flags), S_OK);
         coclass->GetRefTypeOfImplType(i, &ref);
         coclass->GetRefTypeInfo(ref, implemented.Out());
-        TYPEATTR* implementedAttributes = nullptr;
-        implemented->GetTypeAttr(&implementedAttributes);
-        if ((flags & IMPLTYPEFLAG_FSOURCE) && (flags & IMPLTYPEFLAG_FDEFAULT))
-            sourceFound = IsEqualGUID(implementedAttributes->guid, DIID__CADEvents);
-        implemented->ReleaseTypeAttr(implementedAttributes);
+        if (flags == (IMPLTYPEFLAG_FSOURCE | IMPLTYPEFLAG_FDEFAULT))
+            sourceFound = Describes(implemented.get(), DIID__CADEvents, TKIND_DISPATCH);
     }
-    coclass->ReleaseTypeAttr(attributes);
     EXPECT_TRUE(sourceFound);
 
     Ref<ITypeInfo> dispatchInfo;
     ASSERT_EQ(control->GetTypeInfo(0, LOCALE_USER_DEFAULT, dispatchInfo.Out()), S_OK);
-    ASSERT_EQ(dispatchInfo->GetTypeAttr(&attributes), S_OK);
-    EXPECT_TRUE(IsEqualGUID(attributes->guid, IID_IBvxCAD));
-    dispatchInfo->ReleaseTypeAttr(attributes);
+    EXPECT_TRUE(Describes(dispatchInfo.get(), IID_IBvxCAD, TKIND_DISPATCH));
     EXPECT_EQ(control->GetTypeInfo(1, LOCALE_USER_DEFAULT, dispatchInfo.Out()), DISP_E_BADINDEX);
 }
 
@@ -96,20 +89,30 @@ TEST(Interfaces, ErrorSupportSafetyPagesAndStatus)
     EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IBvxCAD), S_OK);
     EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IPersistStreamInit), S_FALSE);
 
-    Ref<IObjectSafety> safety = As<IObjectSafety>(control.get(), IID_IObjectSafety);
-    DWORD supported = 0, enabled = 0;
-    ASSERT_EQ(safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled), S_OK);
-    EXPECT_EQ(supported, DWORD(INTERFACESAFE_FOR_UNTRUSTED_CALLER));
-    EXPECT_EQ(enabled, 0u);
-    EXPECT_EQ(safety->SetInterfaceSafetyOptions(IID_IDispatch, INTERFACESAFE_FOR_UNTRUSTED_CALLER,
-                                                INTERFACESAFE_FOR_UNTRUSTED_CALLER),
-              S_OK);
-    safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled);
-    EXPECT_EQ(enabled, DWORD(INTERFACESAFE_FOR_UNTRUSTED_CALLER));
-    ASSERT_EQ(safety->GetInterfaceSafetyOptions(IID_IPersistPropertyBag, &supported, &enabled), S_OK);
-    EXPECT_EQ(supported, DWORD(INTERFACESAFE_FOR_UNTRUSTED_DATA));
-    EXPECT_EQ(safety->SetInterfaceSafetyOptions(IID_IDispatch, INTERFACESAFE_FOR_UNTRUSTED_DATA, 0), E_FAIL);
-    EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IClassFactory, &supported, &enabled), E_NOINTERFACE);
+    // Safe for scripting through the automation interfaces, for initialising
+    // through the persistence ones; off until the container sets it.
+    const struct {
+        const IID* iid;
+        DWORD safe;
+    } kSafety[] = {{&IID_IDispatch, INTERFACESAFE_FOR_UNTRUSTED_CALLER},
+                   {&IID_IBvxCAD, INTERFACESAFE_FOR_UNTRUSTED_CALLER},
+                   {&IID_IPersistPropertyBag, INTERFACESAFE_FOR_UNTRUSTED_DATA},
+                   {&IID_IPersistStreamInit, INTERFACESAFE_FOR_UNTRUSTED_DATA},
+                   {&IID_IPersistStorage, INTERFACESAFE_FOR_UNTRUSTED_DATA},
+                   {&IID_IClassFactory, 0}};
+    const DWORD both = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+    for (const auto& row : kSafety) {
+        Ref<IObjectSafety> safety = As<IObjectSafety>(NewControl().get(), IID_IObjectSafety);
+        DWORD supported = 7, enabled = 7;
+        const HRESULT known = row.safe ? S_OK : E_NOINTERFACE;
+        EXPECT_EQ(safety->GetInterfaceSafetyOptions(*row.iid, &supported, &enabled), known) << row.safe;
+        EXPECT_EQ(supported, row.safe);
+        EXPECT_EQ(enabled, 0u);
+        EXPECT_EQ(safety->SetInterfaceSafetyOptions(*row.iid, both, both), row.safe ? E_FAIL : known);
+        EXPECT_EQ(safety->SetInterfaceSafetyOptions(*row.iid, row.safe, row.safe), known);
+        safety->GetInterfaceSafetyOptions(*row.iid, &supported, &enabled);
+        EXPECT_EQ(enabled, row.safe);
+    }
 
     CAUUID pages{};
     ASSERT_EQ(As<ISpecifyPropertyPages>(control.get(), IID_ISpecifyPropertyPages)->GetPages(&pages), S_OK);
