@@ -12,7 +12,7 @@ namespace {
 using members::AutoType;
 using members::Kind;
 
-constexpr std::string_view kAutoTypeNames[] = {"Void", "I2",    "I4",      "Int", "R8",
+constexpr std::string_view kAutoTypeNames[] = {"Void", "I2",   "I4",    "Int",     "R8",
                                                "Bool", "Bstr", "Color", "Variant", "Tool"};
 static_assert(std::size(kAutoTypeNames) == size_t(AutoType::Tool) + 1, "one name per AutoType, in its order");
 constexpr std::string_view kKindNames[] = {"Method", "PropertyGet", "PropertyPut"};
