@@ -72,13 +72,9 @@ void PutFont(NativeWriter& out, const CLogFont& font)
         out.U8(v);
     out.I32(int32_t(kFaceNameField));
     WriteAnsiField(out, log.faceName.substr(0, kFaceNameLimit), kFaceNameField);
-    out.I16(font.Align);
-    out.I16(font.Justify);
-    out.I16(font.Orientation);
-    out.F64(font.Height);
-    out.F64(font.CellHeight);
-    out.I32(font.MetricCell);
-    out.I32(font.MetricEm);
+    for (int16_t v : {font.Align, font.Justify, font.Orientation}) out.I16(v);
+    for (double v : {font.Height, font.CellHeight}) out.F64(v);
+    for (int32_t v : {font.MetricCell, font.MetricEm}) out.I32(v);
 }
 
 void PutWorld(NativeWriter& out, const CadWorld& world)
@@ -86,8 +82,7 @@ void PutWorld(NativeWriter& out, const CadWorld& world)
     for (double v : {world.WorldLeft, world.WorldTop, world.WorldBottom, world.WorldRight}) out.F64(v);
     out.U8(world.GridOn);
     out.U32(world.GridColor);
-    out.F64(world.GridWidth);
-    out.F64(world.GridHeight);
+    for (double v : {world.GridWidth, world.GridHeight}) out.F64(v);
     out.U8(world.WorldSquare);
     out.I16(world.AngleMode);
 }

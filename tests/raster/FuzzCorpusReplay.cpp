@@ -1,10 +1,13 @@
-// Every seed of the .bmp and .cur fuzz corpora goes through its fuzz target;
+// Every seed of the .bmp, .cur and drawing file fuzz corpora goes through its fuzz target;
 // seeds named "bad_" must be refused and the others accepted, a .bmp read
 // with a leading length when its name holds "sized". The seeds are the
 // readers' tables of accepted and malformed files.
 #include "fuzz/CursorReadFuzz.h"
 #include "fuzz/DibReadFuzz.h"
+#include "fuzz/NativeReadFuzz.h"
 
+#include "buffer/NativeFile.h"
+#include "control/CadView.h"
 #include "platform/ByteStream.h"
 #include "raster/CursorFile.h"
 #include "raster/Dib.h"
@@ -57,6 +60,17 @@ TEST(FuzzCorpusReplay, CursorRead)
     Replay("cursor_read", fuzz::CursorReadOne, [](const std::vector<uint8_t>& bytes, const std::string&) {
         MemorySource source(bytes);
         return ReadCursor(source).has_value();
+    });
+}
+
+// Drawing files behind the byte that says how to load them; all are loaded
+// whole here.
+TEST(FuzzCorpusReplay, NativeRead)
+{
+    Replay("native_read", fuzz::NativeReadOne, [](const std::vector<uint8_t>& bytes, const std::string&) {
+        MemorySource source(std::span<const uint8_t>(bytes).subspan(bytes.empty() ? 0 : 1));
+        CadView view;
+        return NativeFile::Read(view, source, NativeFile::kAllLayers, NativeFile::kAllLayers, 0);
     });
 }
 
