@@ -33,7 +33,9 @@ double RoundTo(double value, int32_t decimals)
     double fraction = std::fabs(std::fabs(value) - whole);
     int32_t digits = WrapToInt32(fraction * kPowersOfTen[n + 1]);
     double result = RoundHalfDown(digits * 0.1) / kPowersOfTen[n] + whole;
-    return value < 0 ? -result : result;
+    // A negative value that rounds to nothing is zero, not minus zero, so
+    // that rounding what was rounded changes nothing.
+    return value < 0 && result != 0 ? -result : result;
 }
 
 } // namespace bvx
