@@ -78,6 +78,19 @@ HRESULT DeleteTree(const std::wstring& key)
 
 constexpr SYSKIND kThisSystem = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
 
+// The type library as this bitness registers it: removing one that is not
+// there fails (with E_INVALIDARG under Wine), and the other bitness's
+// registration is not ours to remove.
+bool TypeLibraryRegistered()
+{
+    const std::wstring key = L"TypeLib\\" + GuidText(LIBID_ORVANELib) + L"\\1.0\\0\\" +
+                             (kThisSystem == SYS_WIN64 ? L"win64" : L"win32");
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
+    RegCloseKey(opened);
+    return true;
+}
+
 } // namespace
 
 HRESULT RegisterServer()
@@ -99,8 +112,8 @@ HRESULT RegisterServer()
 
 HRESULT UnregisterServer()
 {
-    HRESULT hr = UnRegisterTypeLib(LIBID_ORVANELib, 1, 0, LOCALE_NEUTRAL, kThisSystem);
-    const bool typeLibraryGone = SUCCEEDED(hr) || hr == TYPE_E_REGISTRYACCESS || hr == TYPE_E_LIBNOTREGISTERED;
+    const bool typeLibraryGone = !TypeLibraryRegistered() ||
+                                 SUCCEEDED(UnRegisterTypeLib(LIBID_ORVANELib, 1, 0, LOCALE_NEUTRAL, kThisSystem));
     const bool classGone = SUCCEEDED(DeleteTree(ClassKey()));
     const bool progIdGone = SUCCEEDED(DeleteTree(kProgId));
     if (!classGone || !progIdGone) return SELFREG_E_CLASS;
