@@ -100,6 +100,7 @@ TEST(Binding, TypeLibraryVtableFollowsTheMemberTable)
                                 : row.kind == Kind::PropertyPut ? INVOKE_PROPERTYPUT
                                                                 : INVOKE_FUNC;
         EXPECT_EQ(function.invkind, kind) << row.name;
+        EXPECT_EQ((function.wFuncFlags & FUNCFLAG_FHIDDEN) != 0, row.name.starts_with("HiddenViewDialog")) << row.name;
         // The arguments, then a put's value or the result through a pointer.
         std::vector<VARTYPE> expected;
         for (const members::ArgSpec& arg : row.args) expected.push_back(LibraryType(arg.type));
@@ -146,6 +147,7 @@ std::vector<Step> Steps()
         {L"ShapeHitTest", kMethod, {V::R8(30), V::R8(30)}},
         {L"GridSet", kMethod, {V::Bool(true), V::R8(2.5), V::R8(5), V::I4(0x00FF00)}},
         {L"BackColor", kPut, {V::I4(0x0000FF)}},
+        {L"ViewSnapMarkerColor", kPut, {V::Of(VT_UI4, 0x80000005)}}, // a system colour, as an OLE_COLOR comes
         {L"ViewMouseTool", kPut, {V::I4(bvxPolygon)}},
         {L"WorldToAbsX", kGet, {V::R8(12.5)}},
         {L"ShapeToLayer", kMethod, {V::I4(1), V::I2(2), V::Bool(true)}},

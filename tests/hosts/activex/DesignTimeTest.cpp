@@ -96,6 +96,7 @@ TEST(DesignTime, GatedReadsAnswerGetNotSupportedAndTouchNothing)
 
     // At run time the same reads answer.
     site->userMode = true;
+    EXPECT_EQ(As<IOleControl>(control.get(), IID_IOleControl)->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE), S_OK);
     EXPECT_EQ(control->get_ShapeArea(shape, &area), S_OK);
     EXPECT_EQ(area, 100.0);
     short width = 0;

@@ -42,6 +42,41 @@ TEST(Interfaces, EachAnswersAndLeadsBackToOneIdentity)
     EXPECT_EQ(none, nullptr);
 }
 
+// An entry point of the control's DLL, as COM and a container's idle loop call it.
+template <typename Function> Function EntryPoint(const char* name)
+{
+    HMODULE module = GetModuleHandleW(L"bvxcad.dll");
+    return module ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
+}
+
+TEST(Interfaces, TheModuleMakesControlsAndUnloadsOnlyWhenIdle)
+{
+    Ref<IBvxCAD> control = NewControl();
+    auto canUnload = EntryPoint<HRESULT(STDAPICALLTYPE*)()>("DllCanUnloadNow");
+    auto classObject = EntryPoint<HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**)>("DllGetClassObject");
+    ASSERT_TRUE(canUnload && classObject);
+    EXPECT_EQ(canUnload(), S_FALSE) << "a control lives";
+    control = Ref<IBvxCAD>();
+    EXPECT_EQ(canUnload(), S_OK);
+
+    void* none = reinterpret_cast<void*>(1);
+    EXPECT_EQ(classObject(IID_IBvxCAD, IID_IClassFactory, &none), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(none, nullptr);
+    auto factory = [&] {
+        Ref<IClassFactory> made;
+        EXPECT_EQ(classObject(CLSID_BvxCAD, IID_IClassFactory, reinterpret_cast<void**>(made.Out())), S_OK);
+        return made;
+    };
+    Ref<IClassFactory> made = factory();
+    EXPECT_EQ(made->CreateInstance(made.get(), IID_IUnknown, &none), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(canUnload(), S_FALSE) << "a factory lives";
+    EXPECT_EQ(made->LockServer(TRUE), S_OK);
+    made = Ref<IClassFactory>();
+    EXPECT_EQ(canUnload(), S_FALSE) << "locked, with no object alive";
+    EXPECT_EQ(factory()->LockServer(FALSE), S_OK);
+    EXPECT_EQ(canUnload(), S_OK);
+}
+
 ::testing::AssertionResult Describes(ITypeInfo* info, const GUID& guid, TYPEKIND kind)
 {
     TYPEATTR* attributes = nullptr;
