@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -334,6 +335,45 @@ TEST(OldVersions, OneLayerFilesJoinADrawing)
         EXPECT_EQ(c.GetLayerShapeCount(1), v == 1 ? 6 : 8);
         EXPECT_EQ(c.GetLayerName(1), v == 1 ? u"Layer 1" : u"Old Layer");
     }
+}
+
+// The oldest layout's own rules: its running ordinal, not a count, ends a
+// layer; a type beyond 15 or a font slot beyond a text's reach ends the load
+// with false, keeping what came before.
+TEST(OldVersions, TheOldestLayoutsOrdinalsTypesAndSlots)
+{
+    testing::RecordingHostWindow window;
+    testing::RecordingEventSink sink;
+    const std::vector<uint8_t> sound = OldWriter(1, 'A').File();
+    const std::string layerName = "Old Layer";
+    const size_t firstShape =
+        size_t(std::search(sound.begin(), sound.end(), layerName.begin(), layerName.end()) - sound.begin()) + 9 + 64 + 8 + 4;
+    struct Case {
+        const char* what;
+        size_t at;
+        std::vector<uint8_t> bytes;
+        bool loads;
+        int32_t shapes; // on layer 1: the old layer, or a new drawing's first
+    };
+    const std::vector<Case> cases = {
+        {"the first ordinal the last", firstShape, {4, 0, 0, 0}, true, 1},
+        {"type 16", firstShape + 4, {16, 0}, false, 0},
+        {"type 17", firstShape + 4, {17, 0}, false, 0},
+        {"font slot 256", 31, {0, 1, 0, 0}, false, 0},
+        {"font slot -1", 31, {0xFF, 0xFF, 0xFF, 0xFF}, false, 0},
+    };
+    const fs::path file = fs::temp_directory_path() / "bvx_oldest_case.bvx";
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.what);
+        std::vector<uint8_t> bytes = sound;
+        std::copy(k.bytes.begin(), k.bytes.end(), bytes.begin() + std::ptrdiff_t(k.at));
+        std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        CadControl c(&window, &sink);
+        EXPECT_EQ(c.CadLoad(file.u16string(), -1, -1, 0), k.loads);
+        EXPECT_EQ(c.GetLayerShapeCount(1), k.shapes);
+        EXPECT_EQ(c.GetLayerNames(), k.at == 31 ? u"Buffer Layer,Layer 1," : u"Buffer Layer,Old Layer,");
+    }
+    fs::remove(file);
 }
 
 } // namespace
