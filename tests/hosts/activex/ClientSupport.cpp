@@ -70,6 +70,22 @@ Ref<IBvxCAD> NewControl()
     return Ref<IBvxCAD>(control);
 }
 
+Ref<IConnectionPoint> PointFor(IBvxCAD* control, const IID& iid)
+{
+    Ref<IConnectionPoint> point;
+    EXPECT_EQ(
+        As<IConnectionPointContainer>(control, IID_IConnectionPointContainer)->FindConnectionPoint(iid, point.Out()),
+        S_OK);
+    return point;
+}
+
+DWORD Connect(IBvxCAD* control, const IID& iid, IUnknown* sink)
+{
+    DWORD cookie = 0;
+    EXPECT_EQ(PointFor(control, iid)->Advise(sink, &cookie), S_OK);
+    return cookie;
+}
+
 std::vector<DISPID> NamesFor(WORD flags)
 {
     return flags & DISPATCH_PROPERTYPUT ? std::vector<DISPID>{DISPID_PROPERTYPUT} : std::vector<DISPID>{};

@@ -65,6 +65,28 @@ struct DispatchById : IDispatch {
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
 };
 
+// A property notice sink that writes down what it hears and may refuse edits.
+class PropertyLog final : public com::SingleInterfaceObject<PropertyLog, IPropertyNotifySink, IID_IPropertyNotifySink> {
+public:
+    std::vector<std::string> heard;
+    bool refuse = false;
+
+    STDMETHODIMP OnChanged(DISPID dispid) override
+    {
+        heard.push_back("changed " + std::to_string(dispid));
+        return S_OK;
+    }
+    STDMETHODIMP OnRequestEdit(DISPID dispid) override
+    {
+        heard.push_back("request " + std::to_string(dispid));
+        return refuse ? S_FALSE : S_OK;
+    }
+};
+
+// A control's connection point for an interface, and a sink advised to it.
+Ref<IConnectionPoint> PointFor(IBvxCAD* control, const IID& iid);
+DWORD Connect(IBvxCAD* control, const IID& iid, IUnknown* sink);
+
 struct Outcome {
     HRESULT hr = E_FAIL;
     Value result;

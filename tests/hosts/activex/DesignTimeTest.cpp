@@ -88,11 +88,14 @@ TEST(DesignTime, GatedReadsAnswerGetNotSupportedAndTouchNothing)
     EXPECT_GT(SysStringLen(description), 0u);
     SysFreeString(description);
 
-    // Writes stay open, and so does saving the control.
+    // Writes stay open, and so do saving and loading the control.
     EXPECT_EQ(control->put_LayerPenWidth(1, 4), S_OK);
     Ref<IStream> stream;
     ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()), S_OK);
-    EXPECT_EQ(As<IPersistStreamInit>(control.get(), IID_IPersistStreamInit)->Save(stream.get(), TRUE), S_OK);
+    Ref<IPersistStreamInit> persist = As<IPersistStreamInit>(control.get(), IID_IPersistStreamInit);
+    EXPECT_EQ(persist->Save(stream.get(), TRUE), S_OK);
+    stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
+    EXPECT_EQ(persist->Load(stream.get()), S_OK);
 
     // At run time the same reads answer.
     site->userMode = true;

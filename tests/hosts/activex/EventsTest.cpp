@@ -42,39 +42,6 @@ public:
     }
 };
 
-class PropertyLog final : public com::SingleInterfaceObject<PropertyLog, IPropertyNotifySink, IID_IPropertyNotifySink> {
-public:
-    std::vector<std::string> heard;
-    bool refuse = false;
-
-    STDMETHODIMP OnChanged(DISPID dispid) override
-    {
-        heard.push_back("changed " + std::to_string(dispid));
-        return S_OK;
-    }
-    STDMETHODIMP OnRequestEdit(DISPID dispid) override
-    {
-        heard.push_back("request " + std::to_string(dispid));
-        return refuse ? S_FALSE : S_OK;
-    }
-};
-
-Ref<IConnectionPoint> PointFor(IBvxCAD* control, const IID& iid)
-{
-    Ref<IConnectionPoint> point;
-    EXPECT_EQ(
-        As<IConnectionPointContainer>(control, IID_IConnectionPointContainer)->FindConnectionPoint(iid, point.Out()),
-        S_OK);
-    return point;
-}
-
-DWORD Connect(IBvxCAD* control, const IID& iid, IUnknown* sink)
-{
-    DWORD cookie = 0;
-    EXPECT_EQ(PointFor(control, iid)->Advise(sink, &cookie), S_OK);
-    return cookie;
-}
-
 TEST(Events, AScriptedDrawingFiresTypedEventsInOrderToEverySink)
 {
     Ref<IBvxCAD> control = NewControl();

@@ -269,6 +269,21 @@ TEST(Persistence, NewerVersionsShortStreamsAndNullsAreRefused)
     EXPECT_EQ(Storing(control.get())->Save(nullptr, TRUE), E_POINTER);
 }
 
+// A load is a walk of writes: one the container refuses stops it there.
+TEST(Persistence, ARefusedWriteStopsAStreamLoad)
+{
+    Ref<IBvxCAD> control = NewControl();
+    Ref<PropertyLog> refusing(PropertyLog::Create());
+    refusing->refuse = true;
+    Connect(control.get(), IID_IPropertyNotifySink, refusing.get());
+    EXPECT_EQ(LoadInto(control.get(), Saved(ChangedControl().get())), E_FAIL);
+    EXPECT_EQ(refusing->heard, std::vector<std::string>{"request -501"});
+    const std::vector<Value> got = Settings(control.get());
+    for (size_t i = 0; i < got.size(); ++i)
+        EXPECT_EQ(got[i].Number(), IsRaw(Map()[i]) ? Map()[i].changed.Number() : Map()[i].initial)
+            << Narrow(Map()[i].name) << ": only the entries before BackColor were read";
+}
+
 TEST(Persistence, ABagLoadsWhatItHoldsAndRefusesWrongTypes)
 {
     Ref<MemoryBag> onlyColour(MemoryBag::Create());
