@@ -3,6 +3,7 @@
 // property map, and loads that must fail without harm.
 #include "ClientSupport.h"
 
+#include <bit>
 #include <cstring>
 #include <map>
 
@@ -134,10 +135,7 @@ std::vector<double> ParseStream(const std::vector<uint8_t>& bytes, uint32_t& ver
         } else if (vt == VT_I4) {
             values.push_back(int32_t(take(4)));
         } else if (vt == VT_R8) {
-            const uint64_t bits = take(8);
-            double v = 0;
-            std::memcpy(&v, &bits, sizeof v);
-            values.push_back(v);
+            values.push_back(std::bit_cast<double>(take(8)));
         } else {
             ADD_FAILURE() << Narrow(entry.name) << " has the unexpected type " << vt;
             return values;
