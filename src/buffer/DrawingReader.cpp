@@ -193,10 +193,13 @@ bool DrawingReader::ReadDrawingHead(int16_t& savedLayer)
     }
     if (!ReadFonts() || !ReadBackground() || !ReadWorld()) return false;
     if (version_ >= 10) {
-        buf_.SetSnapMode(in_.I16());
-        buf_.SnapMarkerOn = in_.U8() != 0;
-        const uint32_t word0 = in_.U32();
-        buf_.SnapMarkerAttr = ShapeAttr::FromWords(word0, in_.U32());
+        const int16_t snapMode = in_.I16();
+        const bool markerOn = in_.U8() != 0;
+        const uint32_t word0 = in_.U32(), word1 = in_.U32();
+        if (!in_.Ok()) return false;
+        buf_.SetSnapMode(snapMode);
+        buf_.SnapMarkerOn = markerOn;
+        buf_.SnapMarkerAttr = ShapeAttr::FromWords(word0, word1);
     }
     return in_.Ok();
 }
@@ -219,7 +222,9 @@ bool DrawingReader::ReadFonts()
 
 bool DrawingReader::ReadFont(CLogFont& font)
 {
-    LogFont& log = font.Log;
+    // Taken only whole, so that a cut record leaves no half-read slot.
+    CLogFont record;
+    LogFont& log = record.Log;
     for (int32_t* v : {&log.height, &log.width, &log.escapement, &log.orientation, &log.weight}) *v = in_.I32();
     for (uint8_t* v : {&log.italic, &log.underline, &log.strikeOut, &log.charSet, &log.outPrecision,
                        &log.clipPrecision, &log.quality, &log.pitchAndFamily})
@@ -228,16 +233,17 @@ bool DrawingReader::ReadFont(CLogFont& font)
     if (faceSize < 0 || !in_.AnsiText(uint64_t(faceSize), log.faceName)) return Fail();
     if (log.faceName.size() > kFaceNameLimit) log.faceName.resize(kFaceNameLimit);
     if (version_ == kOldReaderVersion) in_.Skip(6);
-    font.Align = in_.I16();
-    font.Justify = in_.I16();
-    font.Orientation = in_.I16();
-    font.Height = in_.Coord(version_);
-    font.CellHeight = in_.Coord(version_);
-    font.MetricCell = in_.I32();
-    font.MetricEm = in_.I32();
+    for (int16_t* v : {&record.Align, &record.Justify, &record.Orientation}) *v = in_.I16();
+    record.Height = in_.Coord(version_);
+    record.CellHeight = in_.Coord(version_);
+    record.MetricCell = in_.I32();
+    record.MetricEm = in_.I32();
+    if (!in_.Ok()) return false;
     if (log.height > 0) log.height = -log.height;
-    font.BaseHeight = log.height;
-    return in_.Ok();
+    record.BaseHeight = log.height;
+    record.Used = font.Used;
+    font = std::move(record);
+    return true;
 }
 
 bool DrawingReader::ReadBackground()
@@ -259,15 +265,15 @@ bool DrawingReader::ReadWorld()
     const bool gridOn = version_ == kOldReaderVersion ? in_.I32() != 0 : in_.U8() != 0;
     const uint32_t gridColor = in_.U32();
     const double gridWidth = in_.Coord(version_), gridHeight = in_.Coord(version_);
+    const bool square = version_ >= 5 ? in_.U8() != 0 : world.WorldSquare;
+    const int16_t angleMode = version_ >= 7 ? in_.I16() : world.AngleMode;
     if (!in_.Ok()) return false;
     world.SetWorld(left, top, right, bottom, 0);
-    if (version_ >= 5) {
-        world.WorldSquare = in_.U8() != 0;
-        world.Recalculate(0);
-    }
-    if (version_ >= 7) world.SetAngleMode(in_.I16());
+    world.WorldSquare = square;
+    world.Recalculate(0);
+    world.SetAngleMode(angleMode);
     world.GridSet(gridOn, gridWidth, gridHeight, gridColor);
-    return in_.Ok();
+    return true;
 }
 
 bool DrawingReader::ReadPictureTable()

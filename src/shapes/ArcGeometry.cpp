@@ -48,7 +48,9 @@ int32_t QuadrantDirected(const WorldPoint& p, const WorldPoint& c, int16_t signX
 
 void ArcBoundsDevice(DeviceRect& rect, DevicePoint p1, DevicePoint p2, bool closed)
 {
-    const DevicePoint m{(rect.right - rect.left) / 2 + rect.left, (rect.bottom - rect.top) / 2 + rect.top};
+    // Halved in 64 bits: a rectangle from a far-off world spans more than 31.
+    const auto middle = [](int32_t low, int32_t high) { return int32_t((int64_t(high) - low) / 2 + low); };
+    const DevicePoint m{middle(rect.left, rect.right), middle(rect.top, rect.bottom)};
     const int32_t q1 = QuadrantDevice(p1, m), q2 = QuadrantDevice(p2, m);
     uint8_t sides = 0;
     if (q1 != q2) {
