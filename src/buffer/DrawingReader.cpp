@@ -382,6 +382,11 @@ bool DrawingReader::ReadShapes(int32_t count, bool skip)
         int32_t group;
         bool skip;
     };
+    // The number table grows once, to what the file can hold at most.
+    constexpr uint64_t kSmallestRecord = 13;
+    if (!skip)
+        buf_.ShapeMap.Reserve(buf_.ShapeMap.Size() +
+                              size_t(std::min<uint64_t>(uint64_t(count), in_.Remaining() / kSmallestRecord)));
     std::vector<Frame> stack{{count, -1, skip}};
     while (!stack.empty()) {
         Frame& frame = stack.back();

@@ -73,6 +73,14 @@ bool NativeReader::AnsiText(uint64_t count, std::string& text)
         failed_ = true;
         return false;
     }
+    // Most texts (empty notes, names) lie in the block whole.
+    if (count <= uint64_t(end_ - cur_)) {
+        const void* nul = std::memchr(cur_, 0, size_t(count));
+        text.assign(reinterpret_cast<const char*>(cur_),
+                    nul ? size_t(static_cast<const uint8_t*>(nul) - cur_) : size_t(count));
+        cur_ += count;
+        return true;
+    }
     text.resize(size_t(count));
     if (!Copy(text.data(), count)) return false;
     text.resize(std::min(text.find('\0'), text.size()));

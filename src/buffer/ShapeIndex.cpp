@@ -12,7 +12,8 @@ void ShapeIndex::Rehash(size_t capacity)
     old.swap(slots_);
     slots_.assign(capacity, Slot{});
     mask_ = capacity - 1;
-    shift_ = 64;
+    // One hash value per block of slots.
+    shift_ = 64 + kBlockBits;
     for (size_t c = capacity; c > 1; c >>= 1) --shift_;
     for (const Slot& slot : old) {
         if (!slot.shape) continue;
@@ -36,6 +37,13 @@ void ShapeIndex::Insert(int32_t number, CObjShape* shape)
     }
     slots_[i] = {number, shape};
     ++count_;
+}
+
+void ShapeIndex::Reserve(size_t count)
+{
+    size_t capacity = slots_.empty() ? kMinCapacity : slots_.size();
+    while ((count + 1) * 2 > capacity) capacity *= 2;
+    if (capacity != slots_.size()) Rehash(capacity);
 }
 
 void ShapeIndex::Erase(int32_t number, const CObjShape* shape)

@@ -27,6 +27,8 @@ public:
     // Removes the number only while it still names this shape.
     void Erase(int32_t number, const CObjShape* shape);
     void Clear();
+    // Room for this many shapes without growing on the way.
+    void Reserve(size_t count);
     size_t Size() const { return count_; }
     bool Empty() const { return count_ == 0; }
 
@@ -38,9 +40,15 @@ private:
 
     size_t SlotOf(int32_t number) const
     {
-        // Fibonacci hashing spreads the consecutive numbers the counter hands out.
-        return size_t((uint64_t(uint32_t(number)) * 0x9E3779B97F4A7C15ull) >> shift_);
+        // Eight numbers in a row share a block of slots, so that the numbers
+        // the counter hands out one after another (a load, a paste) land
+        // side by side; Fibonacci hashing spreads the blocks.
+        const uint32_t n = uint32_t(number);
+        const size_t block = size_t((uint64_t(n >> kBlockBits) * 0x9E3779B97F4A7C15ull) >> shift_);
+        return ((block << kBlockBits) | (n & kBlockMask)) & mask_;
     }
+    static constexpr unsigned kBlockBits = 3;
+    static constexpr uint32_t kBlockMask = (1u << kBlockBits) - 1;
     void Rehash(size_t capacity);
 
     std::vector<Slot> slots_;

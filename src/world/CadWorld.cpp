@@ -17,12 +17,6 @@ constexpr double kTinyFactor = 1e-7;
 int64_t GridSteps(int64_t pixels) { return pixels / 3 + 2; }
 } // namespace
 
-DevicePoint CadWorld::WorldToDevice(const WorldPoint& p) const
-{
-    return {WrapToInt32(double(RoundHalfDown((p.x - OriginX) * (SignX * ScaleX))) + ClientRect.left),
-            WrapToInt32(double(RoundHalfDown((p.y - OriginY) * (SignY * ScaleY))) + ClientRect.top)};
-}
-
 DeviceRect CadWorld::WorldRectToDevice(const WorldPoint& a, const WorldPoint& b) const
 {
     DevicePoint p = WorldToDevice(a), q = WorldToDevice(b);

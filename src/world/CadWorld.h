@@ -2,6 +2,7 @@
 // the scales and signs of both axes, the precisions, and the grid.
 #pragma once
 
+#include "world/Rounding.h"
 #include "world/WorldGeometry.h"
 
 #include <cstdint>
@@ -73,7 +74,12 @@ public:
     DevicePoint CursorScreenPos{};
 
     // Conversions.
-    DevicePoint WorldToDevice(const WorldPoint& p) const;
+    // Inline: bounds, hit tests and painting convert every point of every shape.
+    DevicePoint WorldToDevice(const WorldPoint& p) const
+    {
+        return {WrapToInt32(double(RoundHalfDown((p.x - OriginX) * (SignX * ScaleX))) + ClientRect.left),
+                WrapToInt32(double(RoundHalfDown((p.y - OriginY) * (SignY * ScaleY))) + ClientRect.top)};
+    }
     DeviceRect WorldRectToDevice(const WorldPoint& a, const WorldPoint& b) const;
     WorldPoint DeviceToWorld(DevicePoint p) const;
     DevicePoint WorldSizeToDevice(const WorldPoint& size) const;

@@ -6,24 +6,8 @@
 namespace bvx {
 
 namespace {
-constexpr double kTwoTo63 = 9223372036854775808.0;
 constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
 } // namespace
-
-int32_t WrapToInt32(double value)
-{
-    if (!std::isfinite(value)) return INT32_MIN;
-    double t = std::trunc(value);
-    if (t >= kTwoTo63 || t < -kTwoTo63) return INT32_MIN;
-    return int32_t(uint32_t(uint64_t(int64_t(t))));
-}
-
-int32_t RoundHalfDown(double value)
-{
-    double low = std::floor(value);
-    double high = std::ceil(value);
-    return WrapToInt32(value - low > high - value ? high : low);
-}
 
 double RoundTo(double value, int32_t decimals)
 {
