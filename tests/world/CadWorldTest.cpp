@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace bvx {
 namespace {
@@ -18,75 +20,53 @@ CadWorld WorldOfSize(int32_t width, int32_t height)
     return w;
 }
 
-TEST(CadWorld, FreshViewAt101ShowsZeroToHundredAtScaleOne)
-{
-    CadWorld w = WorldOfSize(101, 101);
-    EXPECT_DOUBLE_EQ(w.ScaleX, 1.0);
-    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
-    EXPECT_EQ(w.SignX, 1);
-    EXPECT_EQ(w.SignY, -1);
-    EXPECT_EQ(w.WorldToDevice({0, 100}), (DevicePoint{0, 0}));
-    EXPECT_EQ(w.WorldToDevice({100, 0}), (DevicePoint{100, 100}));
-    EXPECT_EQ(w.WorldToDevice({50, 25}), (DevicePoint{50, 75}));
-    WorldPoint back = w.DeviceToWorld({30, 40});
-    EXPECT_DOUBLE_EQ(back.x, 30);
-    EXPECT_DOUBLE_EQ(back.y, 60);
-}
+// Each row: a client size, then optionally the square rule off, a world set and a pan; the edges, scales and
+// directions that follow, and world points with the device points they map to and back from.
+struct WorldCase {
+    const char* name;
+    int32_t width, height;
+    bool square;
+    std::vector<double> world; // left, top, right, bottom; empty: as the fresh view has it
+    WorldPoint pan;
+    double edges[4]; // left, top, right, bottom
+    double scaleX, scaleY;
+    int signX, signY;
+    std::vector<std::pair<WorldPoint, DevicePoint>> points;
+};
 
-TEST(CadWorld, SquareWorldWidensTheFreeAxis)
+TEST(CadWorld, SizesWorldsAndPansGiveTheirEdgesScalesAndPoints)
 {
-    CadWorld w = WorldOfSize(201, 101);
-    EXPECT_DOUBLE_EQ(w.ScaleX, 1.0);
-    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
-    EXPECT_DOUBLE_EQ(w.WorldRight, 200.0);
-    EXPECT_DOUBLE_EQ(w.WorldLeft, 0.0);
-
-    // Without the square rule each axis takes its own scale.
-    w.SetWorldSquare(false);
-    w.SetWorld(0, 100, 100, 0, 0);
-    EXPECT_DOUBLE_EQ(w.ScaleX, 2.0);
-    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
-}
-
-TEST(CadWorld, SquareWorldOnANegativeYAxisKeepsTheBottomEdge)
-{
-    CadWorld w = WorldOfSize(101, 201);
-    // X decides the scale (1); Y's top moves up, its bottom stays.
-    EXPECT_DOUBLE_EQ(w.ScaleY, 1.0);
-    EXPECT_DOUBLE_EQ(w.WorldBottom, 0.0);
-    EXPECT_DOUBLE_EQ(w.WorldTop, 200.0);
-    EXPECT_EQ(w.WorldToDevice({0, 0}), (DevicePoint{0, 200}));
-}
-
-TEST(CadWorld, TinyWorldIsWidenedAroundItself)
-{
-    CadWorld w = WorldOfSize(101, 101);
-    w.SetWorld(5, 5, 5, 5, 0);
-    EXPECT_DOUBLE_EQ(w.WorldLeft, 4);
-    EXPECT_DOUBLE_EQ(w.WorldRight, 6);
-    // Y ran against the device (sign -1), so top goes up by one and bottom down.
-    EXPECT_DOUBLE_EQ(w.WorldTop, 6);
-    EXPECT_DOUBLE_EQ(w.WorldBottom, 4);
-}
-
-TEST(CadWorld, AxesMayRunEitherWay)
-{
-    CadWorld w = WorldOfSize(101, 101);
-    w.SetWorld(10, 0, 0, 10, 0);
-    EXPECT_EQ(w.SignX, -1);
-    EXPECT_EQ(w.SignY, 1);
-    EXPECT_EQ(w.WorldToDevice({10, 0}), (DevicePoint{0, 0}));
-    EXPECT_EQ(w.WorldToDevice({0, 10}), (DevicePoint{100, 100}));
-}
-
-TEST(CadWorld, PanMovesAllEdges)
-{
-    CadWorld w = WorldOfSize(101, 101);
-    w.Pan(10, -5);
-    EXPECT_DOUBLE_EQ(w.WorldLeft, 10);
-    EXPECT_DOUBLE_EQ(w.WorldRight, 110);
-    EXPECT_DOUBLE_EQ(w.WorldTop, 95);
-    EXPECT_DOUBLE_EQ(w.WorldBottom, -5);
+    const WorldCase cases[] = {
+        {"fresh view at 101 shows 0 to 100 at scale 1", 101, 101, true, {}, {}, {0, 100, 100, 0}, 1, 1, 1, -1,
+         {{{0, 100}, {0, 0}}, {{100, 0}, {100, 100}}, {{50, 25}, {50, 75}}, {{30, 60}, {30, 40}}}},
+        {"a square world widens the free axis", 201, 101, true, {}, {}, {0, 100, 200, 0}, 1, 1, 1, -1, {}},
+        {"without the square rule each axis takes its own scale", 201, 101, false, {0, 100, 100, 0}, {},
+         {0, 100, 100, 0}, 2, 1, 1, -1, {{{0, 100}, {0, 0}}, {{100, 0}, {200, 100}}}},
+        // X decides the scale (1); Y's top moves up, its bottom stays.
+        {"square on a negative y axis keeps the bottom edge", 101, 201, true, {}, {}, {0, 200, 100, 0}, 1, 1, 1, -1,
+         {{{0, 0}, {0, 200}}}},
+        // Y ran against the device (sign -1), so top goes up by one and bottom down.
+        {"a tiny world is widened around itself", 101, 101, true, {5, 5, 5, 5}, {}, {4, 6, 6, 4}, 50, 50, 1, -1, {}},
+        {"axes may run either way", 101, 101, true, {10, 0, 0, 10}, {}, {10, 0, 0, 10}, 10, 10, -1, 1,
+         {{{10, 0}, {0, 0}}, {{0, 10}, {100, 100}}}},
+        {"a pan moves all edges", 101, 101, true, {}, {10, -5}, {10, 95, 110, -5}, 1, 1, 1, -1, {}},
+    };
+    for (const WorldCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        CadWorld w = WorldOfSize(c.width, c.height);
+        if (!c.square) w.SetWorldSquare(false);
+        if (!c.world.empty()) w.SetWorld(c.world[0], c.world[1], c.world[2], c.world[3], 0);
+        if (c.pan.x != 0 || c.pan.y != 0) w.Pan(c.pan.x, c.pan.y);
+        EXPECT_EQ((std::vector<double>{w.WorldLeft, w.WorldTop, w.WorldRight, w.WorldBottom}),
+                  std::vector<double>(std::begin(c.edges), std::end(c.edges)));
+        EXPECT_DOUBLE_EQ(w.ScaleX, c.scaleX);
+        EXPECT_DOUBLE_EQ(w.ScaleY, c.scaleY);
+        EXPECT_EQ(std::pair(int(w.SignX), int(w.SignY)), std::pair(c.signX, c.signY));
+        for (const auto& [world, device] : c.points) {
+            EXPECT_EQ(w.WorldToDevice(world), device) << world.x << "," << world.y;
+            EXPECT_EQ(w.DeviceToWorld(device), world) << device.x << "," << device.y;
+        }
+    }
 }
 
 TEST(CadWorld, SizeConversionsCarryNoOrigin)
@@ -222,19 +202,13 @@ TEST(CadWorld, SnapToGridPullsBackInsideByOneCell)
     CadWorld w = WorldOfSize(101, 101);
     WorldPoint p{104, -3};
     EXPECT_FALSE(w.SnapToGrid(p)); // the grid is off
-    EXPECT_DOUBLE_EQ(p.x, 104);
+    EXPECT_EQ(p, (WorldPoint{104, -3}));
     w.GridSet(true, 10, 10, 0);
-    EXPECT_TRUE(w.SnapToGrid(p));
-    EXPECT_DOUBLE_EQ(p.x, 100);
-    EXPECT_DOUBLE_EQ(p.y, 0);
-    p = {107, -6};
-    w.SnapToGrid(p); // 110 is outside: back by one cell; -10 likewise
-    EXPECT_DOUBLE_EQ(p.x, 100);
-    EXPECT_DOUBLE_EQ(p.y, 0);
-    p = {23, 45}; // 45 / 10 = 4.5 rounds half down
-    w.SnapToGrid(p);
-    EXPECT_DOUBLE_EQ(p.x, 20);
-    EXPECT_DOUBLE_EQ(p.y, 40);
+    // 110 is outside: back by one cell, -10 likewise; 45 / 10 = 4.5 rounds half down.
+    for (auto [in, out] : {std::pair{WorldPoint{104, -3}, WorldPoint{100, 0}}, {{107, -6}, {100, 0}}, {{23, 45}, {20, 40}}}) {
+        EXPECT_TRUE(w.SnapToGrid(in));
+        EXPECT_EQ(in, out);
+    }
 }
 
 } // namespace
