@@ -9,9 +9,9 @@ namespace bvx::fuzz {
 
 // Loads the bytes as a drawing file into a control with a drawing of its
 // own, in the way the first byte picks (whole, one layer, onto a layer),
-// saves what was read and loads the save again, which must succeed and save
-// as the same bytes, and paints both. Aborts if not. Returns 0, as libFuzzer
-// expects.
+// saves what was read and loads the save again, twice: both loads must
+// succeed and the last two saves be the same bytes. Paints what was read.
+// Aborts if not. Returns 0, as libFuzzer expects.
 int NativeReadOne(const uint8_t* data, size_t size);
 
 } // namespace bvx::fuzz
