@@ -34,19 +34,6 @@ protected:
         return n;
     }
     size_t Entries() { return View().Buf.Pictures.Entries.size(); }
-    // The drawing written as a bitmap file of the window's size, read back and painted; its bit depth in `bits`.
-    std::unique_ptr<RasterDeviceContext> Exported(const std::string& file, int16_t bitsAsked, int16_t dpi, int& bits)
-    {
-        std::filesystem::remove(file);
-        EXPECT_TRUE(control.ImageToBitmap(Name(file), 101, 101, bitsAsked, dpi));
-        auto source = FileSource::Open(file);
-        const DibPtr dib = source ? DibReadBlock(*source, false) : nullptr;
-        if (!dib) return nullptr;
-        bits = DibBitCount(*dib);
-        auto read = std::make_unique<RasterDeviceContext>(CreateBitmap(101, 101));
-        DibPaint(*read, {0, 0, 101, 101}, *dib, {0, 0, 101, 101}, nullptr);
-        return read;
-    }
 };
 
 // Stretched, the image's corners reach the box's; tiled, it repeats from the
@@ -146,15 +133,21 @@ TEST_F(Pictures, TheDrawingWrittenAsABitmapHoldsTheWindowsPixels)
     const CadWorld before = View().World;
     const std::string file = (std::filesystem::temp_directory_path() / "bvx_export_test.bmp").string();
     for (int16_t bits : {1, 4, 24, 0, -8, 16, -16}) {
-        int written = 0;
-        const auto read = Exported(file, bits, 0, written);
-        ASSERT_TRUE(read) << bits;
-        EXPECT_EQ(written, bits == 1 || bits == 4 || bits == 24 ? bits : 8);
+        std::filesystem::remove(file);
+        ASSERT_TRUE(control.ImageToBitmap(Name(file), 101, 101, bits, 0)) << bits;
+        auto source = FileSource::Open(file);
+        ASSERT_TRUE(source);
+        DibPtr dib = DibReadBlock(*source, false);
+        ASSERT_TRUE(dib) << bits;
+        const int expectedBits = bits == 1 || bits == 4 || bits == 24 ? bits : 8;
+        EXPECT_EQ(DibBitCount(*dib), expectedBits);
+        RasterDeviceContext read(CreateBitmap(101, 101));
+        DibPaint(read, {0, 0, 101, 101}, *dib, {0, 0, 101, 101}, nullptr);
         int wrong = 0;
         for (int32_t y = 0; y < 101; ++y)
             for (int32_t x = 0; x < 101; ++x)
-                wrong += (bits == 1 ? read->GetPixel(x, y) != (window->GetPixel(x, y) == kWhite ? kWhite : 0u)
-                                    : read->GetPixel(x, y) != window->GetPixel(x, y));
+                wrong += (bits == 1 ? read.GetPixel(x, y) != (window->GetPixel(x, y) == kWhite ? kWhite : 0u)
+                                    : read.GetPixel(x, y) != window->GetPixel(x, y));
         EXPECT_EQ(wrong, 0) << bits << " bits";
         EXPECT_EQ(View().World.WorldLeft, before.WorldLeft);
         EXPECT_EQ(View().World.WorldBottom, before.WorldBottom);
@@ -176,11 +169,14 @@ TEST_F(Pictures, AnExportAtAHigherResolutionWidensThePens)
     control.DrawLine(50, 10, 50, 90, 1);
     const std::string file = (std::filesystem::temp_directory_path() / "bvx_dpi_test.bmp").string();
     for (int16_t dpi : {0, 96, 192, 288}) {
-        int bits = 0;
-        const auto read = Exported(file, 24, dpi, bits);
-        ASSERT_TRUE(read && bits == 24) << dpi;
+        ASSERT_TRUE(control.ImageToBitmap(Name(file), 101, 101, 24, dpi));
+        auto source = FileSource::Open(file);
+        DibPtr dib = DibReadBlock(*source, false);
+        ASSERT_TRUE(dib);
+        RasterDeviceContext read(CreateBitmap(101, 101));
+        DibPaint(read, {0, 0, 101, 101}, *dib, {0, 0, 101, 101}, nullptr);
         int inked = 0;
-        for (int32_t x = 0; x < 101; ++x) inked += read->GetPixel(x, 50) != kWhite;
+        for (int32_t x = 0; x < 101; ++x) inked += read.GetPixel(x, 50) != kWhite;
         EXPECT_EQ(inked, dpi <= 96 ? 1 : dpi / 96) << dpi << " dpi";
     }
     std::filesystem::remove(file);
