@@ -104,21 +104,10 @@ TEST_F(Host, IntResultsConvertAsI4Does)
     EXPECT_EQ(Get(u"ViewHeight"), Variant::Int(101));
     EXPECT_EQ(Get(u"ViewWidth"), Variant::Int(101));
 
-    const Variant inputs[] = {Variant(),
-                              Variant::I2(-7),
-                              Variant::I4(INT32_MIN),
-                              Variant::R8(2.5),
-                              Variant::R8(3.5),
-                              Variant::R8(-2147483648.6),
-                              Variant::R8(2147483647.4),
-                              Variant::R8(1e300),
-                              Variant::R8(std::nan("")),
-                              Variant::Bool(true),
-                              S(u" 42 "),
-                              S(u"4e3"),
-                              S(u"many"),
-                              Variant::Null(),
-                              Variant::Missing()};
+    const Variant inputs[] = {Variant(), Variant::I2(-7), Variant::I4(INT32_MIN), Variant::R8(2.5), Variant::R8(3.5),
+                              Variant::R8(-2147483648.6), Variant::R8(2147483647.4), Variant::R8(1e300),
+                              Variant::R8(std::nan("")), Variant::Bool(true), S(u" 42 "), S(u"4e3"), S(u"many"),
+                              Variant::Null(), Variant::Missing()};
     for (const Variant& in : inputs) {
         Variant asI4, asInt;
         EXPECT_EQ(ChangeType(in, VarType::Int, asInt), ChangeType(in, VarType::I4, asI4))

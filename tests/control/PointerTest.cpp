@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <tuple>
 
 namespace bvx {
 namespace {
@@ -73,11 +74,9 @@ TEST_F(Pointers, MonochromeFileKeepsItsMasksAndHotSpotAfterUnreadableFilesAddedN
     EXPECT_EQ(image.hotSpot, (DevicePoint{5, 9}));
     // White on the ten top rows, the screen kept left of column 13.
     const ColorRef screen = 0x123456;
-    EXPECT_EQ(PointerPixelOver(image, 12, 9, screen), screen ^ kWhite);
-    EXPECT_EQ(PointerPixelOver(image, 13, 9, screen), kWhite);
-    EXPECT_EQ(PointerPixelOver(image, 12, 10, screen), screen);
-    EXPECT_EQ(PointerPixelOver(image, 13, 10, screen), kBlack);
-    EXPECT_EQ(PointerPixelOver(image, 31, 31, screen), kBlack);
+    for (auto [x, y, pixel] : {std::tuple{12, 9, screen ^ kWhite}, {13, 9, kWhite}, {12, 10, screen}, {13, 10, kBlack},
+                               {31, 31, kBlack}})
+        EXPECT_EQ(PointerPixelOver(image, x, y, screen), pixel) << x << "," << y;
 
     // A role set to the new value shows it.
     control.PutViewMousePointer(PointerRole::Select, 99);

@@ -12,16 +12,13 @@ namespace {
 using Shapes = bvx::testing::ViewFixture;
 using std::pair, std::tuple;
 
-TEST_F(Shapes, ZeroSizeShapesStillHaveOnePixelBounds)
+// Zero-size shapes still have one-pixel bounds; bounds wrap in 16 bits; bad numbers do not trap.
+TEST_F(Shapes, DegenerateSizesAndBadNumbers)
 {
     auto* dot = AddRect(30, 30, 30, 30);
     const DeviceRect b = dot->BoundsAsRect();
     EXPECT_EQ(tuple(dot->GetArea(), b.right - b.left, b.bottom - b.top), tuple(0.0, 1, 1));
     EXPECT_FALSE(AddEllipse(50, 50, 0, 0, 1, bvxCircle)->BoundsAsRect().IsEmpty());
-}
-
-TEST_F(Shapes, BoundsWrapInSixteenBitsAndBadNumbersDoNotTrap)
-{
     auto* huge = AddRect(0, 0, 40000, 10);
     EXPECT_LT(huge->Bounds.right, 0); // 40000 wraps in 16 bits
     const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
@@ -127,7 +124,7 @@ TEST_F(Shapes, PressOnTheBodyPicksAHandleByGrid)
     EXPECT_EQ(r->NearestPoint({70, 70}, view), 1);
 }
 
-TEST_F(Shapes, DraggingHandlesMovesTheirCoordinates)
+TEST_F(Shapes, DraggingHandlesMovesTheirCoordinatesOrthogonallyWhenAsked)
 {
     auto* r = AddRect(10, 10, 50, 50);
     r->MoveHandle(3, {60, 5}, view);
@@ -143,10 +140,7 @@ TEST_F(Shapes, DraggingHandlesMovesTheirCoordinates)
     auto* twoPoint = AddRect(10, 10, 30, 20, 1, bvx2PointEllipse);
     twoPoint->MoveHandle(9, {2, 3}, view);
     EXPECT_EQ(pair(twoPoint->P1, twoPoint->P2), pair(WorldPoint{8, 13}, WorldPoint{32, 17}));
-}
-
-TEST_F(Shapes, OrthogonalDrawingSnapsLinesToAnAxis)
-{
+    // Orthogonal drawing snaps lines to an axis.
     view.ViewDrawOrthogonal = 1;
     auto* line = AddRect(10, 10, 10, 10, 1, bvxLine);
     line->MoveHandle(2, {40, 14}, view);
@@ -222,10 +216,7 @@ TEST(ShapeGeometry, AngleHelpers)
     EXPECT_NEAR(WorldAngle(w, {0, 0}, {0, 10}), kPi / 2, 1e-12);
     EXPECT_EQ(WorldAngle(w, {0, 0}, {10, 0}), 0);
     EXPECT_TRUE(IsOnAxis({0, 0}, {5, 5}) && !IsOnAxis({0, 0}, {5, 6}));
-}
-
-TEST(ShapeGeometry, PolarAndEccentricPointsDifferOffTheAxes)
-{
+    // Polar and eccentric points differ off the axes.
     const WorldPoint polar = PolarPoint({0, 0}, 2, 1, kPi / 4), eccentric = EllipsePoint({0, 0}, 2, 1, kPi / 4);
     EXPECT_NEAR(polar.x, polar.y, 1e-12); // on the 45-degree ray
     EXPECT_NEAR(eccentric.x, 2 * std::cos(kPi / 4), 1e-12);

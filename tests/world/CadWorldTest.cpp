@@ -119,28 +119,19 @@ TEST_P(Transforms, StepsComeInTheFixedOrder)
 // The translation is not scaled whatever the bit values; shear has no pivot.
 INSTANTIATE_TEST_SUITE_P(
     Cases, Transforms,
-    ::testing::Values(
-        TransformCase{"scale then translate",
-                      {.mode = TransformBits::Scale | TransformBits::Translate, .pivotX = 1, .pivotY = 1,
-                       .scaleX = 2, .scaleY = 2, .translateX = 10},
-                      {2, 2},
-                      {13, 3}},
-        TransformCase{"reflect mode 0 mirrors across y = pivotY",
-                      {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5},
-                      {1, 1},
-                      {1, 9}},
-        TransformCase{"reflect mode 1 mirrors across x = pivotX",
-                      {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5, .reflectMode = 1},
-                      {1, 1},
-                      {5, 1}},
-        TransformCase{"an unknown shear mode shears X",
-                      {.mode = TransformBits::Shear, .shearMode = 7, .shear = 2},
-                      {1, 3},
-                      {7, 3}},
-        TransformCase{"a vanishing factor skips the scale",
-                      {.mode = TransformBits::Scale, .scaleX = 0, .scaleY = 2},
-                      {4, 4},
-                      {4, 4}}));
+    ::testing::Values(TransformCase{"scale then translate",
+                                    {.mode = TransformBits::Scale | TransformBits::Translate, .pivotX = 1, .pivotY = 1,
+                                     .scaleX = 2, .scaleY = 2, .translateX = 10},
+                                    {2, 2}, {13, 3}},
+                      TransformCase{"reflect mode 0 mirrors across y = pivotY",
+                                    {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5}, {1, 1}, {1, 9}},
+                      TransformCase{"reflect mode 1 mirrors across x = pivotX",
+                                    {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5, .reflectMode = 1},
+                                    {1, 1}, {5, 1}},
+                      TransformCase{"an unknown shear mode shears X",
+                                    {.mode = TransformBits::Shear, .shearMode = 7, .shear = 2}, {1, 3}, {7, 3}},
+                      TransformCase{"a vanishing factor skips the scale",
+                                    {.mode = TransformBits::Scale, .scaleX = 0, .scaleY = 2}, {4, 4}, {4, 4}}));
 
 TEST(CadWorld, RotationUsesTheHistoricalConstantAndIsRemembered)
 {
