@@ -20,7 +20,7 @@ struct Stroke {
 
 struct ToolCase {
     const char* name;
-    int16_t type;
+    std::vector<int16_t> types; // each drawn the same way, to the same points
     std::vector<Stroke> strokes;
     std::vector<WorldPoint> points; // the shape's points afterwards
     std::string events;             // the drawing events, in order
@@ -31,50 +31,38 @@ constexpr const char* kWithRadii = "DrawBegin Added DrawRadius DrawEnd Selected"
 
 // World (x, y) lies at device (x, 200 - y).
 const ToolCase kCases[] = {
-    {"rectangle", bvxRectangle, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}},
-     {{20, 180}, {60, 150}}, kTwoClicks},
+    {"rectangle_line_two_point_ellipse", {bvxRectangle, bvxLine, bvx2PointEllipse},
+     {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}}, {{20, 180}, {60, 150}}, kTwoClicks},
     // The corners' rounding starts at 16 pixels, turned with the y axis.
-    {"rounded_rectangle", bvxRoundRectangle, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}},
+    {"rounded_rectangle", {bvxRoundRectangle}, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}},
      {{20, 180}, {60, 150}, {16, -16}}, kTwoClicks},
-    {"line", bvxLine, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}}, {{20, 180}, {60, 150}}, kTwoClicks},
-    {"two_point_ellipse", bvx2PointEllipse, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}},
-     {{20, 180}, {60, 150}}, kTwoClicks},
-    {"polyline", bvxPolyline,
+    {"polyline", {bvxPolyline},
      {{Stroke::Click, {{20, 20}}}, {Stroke::Click, {{60, 20}}}, {Stroke::Click, {{60, 60}}}, {Stroke::DoubleClick, {{100, 60}}}},
      {{20, 20}, {60, 20}, {60, 60}, {100, 60}}, kTwoClicks},
-    {"polygon", bvxPolygon,
+    {"polygon", {bvxPolygon},
      {{Stroke::Click, {{20, 20}}}, {Stroke::Click, {{60, 20}}}, {Stroke::DoubleClick, {{60, 60}}}},
      {{20, 20}, {60, 20}, {60, 60}}, kTwoClicks},
     // The release ends the curve as a double click would, taking back the last point.
-    {"freehand", bvxFreehand, {{Stroke::Drag, {{20, 20}, {30, 25}, {40, 35}, {50, 30}}}},
+    {"freehand", {bvxFreehand}, {{Stroke::Drag, {{20, 20}, {30, 25}, {40, 35}, {50, 30}}}},
      {{20, 20}, {30, 25}, {40, 35}}, kTwoClicks},
-    {"spline", bvxSpline,
+    {"spline_closed_spline", {bvxSpline, bvxClosedSpline},
      {{Stroke::Click, {{20, 20}}}, {Stroke::Click, {{60, 40}}}, {Stroke::DoubleClick, {{100, 20}}}},
      {{20, 20}, {60, 40}, {100, 20}}, kTwoClicks},
-    {"closed_spline", bvxClosedSpline,
-     {{Stroke::Click, {{20, 20}}}, {Stroke::Click, {{60, 40}}}, {Stroke::DoubleClick, {{100, 20}}}},
-     {{20, 20}, {60, 40}, {100, 20}}, kTwoClicks},
-    {"three_point_arc", bvx3PointArc,
+    {"three_point_arc", {bvx3PointArc},
      {{Stroke::Click, {{20, 100}}}, {Stroke::Click, {{60, 140}}}, {Stroke::Click, {{100, 100}}}},
      {{20, 100}, {60, 140}, {100, 100}}, kTwoClicks},
-    {"text", bvxText, {{Stroke::Click, {{30, 120}}}}, {{30, 120}}, kTwoClicks},
-    {"picture", bvxPicture, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}},
+    {"text", {bvxText}, {{Stroke::Click, {{30, 120}}}}, {{30, 120}}, kTwoClicks},
+    {"picture", {bvxPicture}, {{Stroke::Click, {{20, 180}}}, {Stroke::Click, {{60, 150}}}},
      {{60, 150}, {20, 180}}, "DrawBegin Added DrawEnd Selected PictureEntry"},
-    {"arc", bvxArc,
+    {"arc_pie_slice_chord", {bvxArc, bvxPieSlice, bvxChord},
      {{Stroke::Click, {{100, 100}}}, {Stroke::Click, {{130, 120}}}, {Stroke::Click, {{150, 150}}}, {Stroke::Click, {{50, 150}}}},
      {{100, 100}, {30, 20}, {0.78539816, 2.35619449}}, kWithRadii},
-    {"pie_slice", bvxPieSlice,
-     {{Stroke::Click, {{100, 100}}}, {Stroke::Click, {{130, 120}}}, {Stroke::Click, {{150, 150}}}, {Stroke::Click, {{50, 150}}}},
-     {{100, 100}, {30, 20}, {0.78539816, 2.35619449}}, kWithRadii},
-    {"chord", bvxChord,
-     {{Stroke::Click, {{100, 100}}}, {Stroke::Click, {{130, 120}}}, {Stroke::Click, {{150, 150}}}, {Stroke::Click, {{50, 150}}}},
-     {{100, 100}, {30, 20}, {0.78539816, 2.35619449}}, kWithRadii},
-    {"point", bvxPoint, {{Stroke::Click, {{70, 70}}}}, {{70, 70}}, kTwoClicks},
-    {"group", bvxGroup, {{Stroke::Click, {{70, 70}}}}, {}, "DrawBegin Added DrawEnd"},
-    {"circle", bvxCircle, {{Stroke::Click, {{100, 100}}}, {Stroke::Click, {{130, 140}}}}, {{100, 100}, {50, 50}},
+    {"point", {bvxPoint}, {{Stroke::Click, {{70, 70}}}}, {{70, 70}}, kTwoClicks},
+    {"group", {bvxGroup}, {{Stroke::Click, {{70, 70}}}}, {}, "DrawBegin Added DrawEnd"},
+    {"circle", {bvxCircle}, {{Stroke::Click, {{100, 100}}}, {Stroke::Click, {{130, 140}}}}, {{100, 100}, {50, 50}},
      kWithRadii},
     // The second press fixes the horizontal radius, the third the vertical.
-    {"ellipse", bvxEllipse,
+    {"ellipse", {bvxEllipse},
      {{Stroke::Click, {{100, 100}}}, {Stroke::Click, {{130, 120}}}, {Stroke::Click, {{140, 130}}}},
      {{100, 100}, {30, 30}}, kWithRadii},
 };
@@ -98,39 +86,42 @@ class DrawingTools : public ::testing::TestWithParam<ToolCase> {};
 TEST_P(DrawingTools, DrawByHand)
 {
     const ToolCase& c = GetParam();
-    Recorder recorder;
-    testing::ControlHost host(&recorder);
-    host.control.WorldSet(0, 200, 200, 0);
-    host.control.PutViewMouseTool(c.type);
-    recorder.events.clear();
-    auto at = [&](const WorldPoint& p) { return host.At(p.x, p.y); };
-    for (const Stroke& s : c.strokes) {
-        if (s.kind == Stroke::Drag) {
-            std::vector<DevicePoint> path;
-            for (const WorldPoint& p : s.at) path.push_back(at(p));
-            host.Send(wm::MouseMove, 0, path.front());
-            host.Send(wm::LButtonDown, mk::LButton, path.front());
-            for (size_t i = 1; i < path.size(); ++i) host.Send(wm::MouseMove, mk::LButton, path[i]);
-            host.Send(wm::LButtonUp, 0, path.back());
-            continue;
+    for (const int16_t type : c.types) {
+        SCOPED_TRACE(::testing::Message() << "type " << type);
+        Recorder recorder;
+        testing::ControlHost host(&recorder);
+        host.control.WorldSet(0, 200, 200, 0);
+        host.control.PutViewMouseTool(type);
+        recorder.events.clear();
+        auto at = [&](const WorldPoint& p) { return host.At(p.x, p.y); };
+        for (const Stroke& s : c.strokes) {
+            if (s.kind == Stroke::Drag) {
+                std::vector<DevicePoint> path;
+                for (const WorldPoint& p : s.at) path.push_back(at(p));
+                host.Send(wm::MouseMove, 0, path.front());
+                host.Send(wm::LButtonDown, mk::LButton, path.front());
+                for (size_t i = 1; i < path.size(); ++i) host.Send(wm::MouseMove, mk::LButton, path[i]);
+                host.Send(wm::LButtonUp, 0, path.back());
+                continue;
+            }
+            host.Send(wm::MouseMove, 0, at(s.at[0]));
+            host.Click(at(s.at[0]));
+            if (s.kind == Stroke::DoubleClick) {
+                host.Send(wm::LButtonDblClk, mk::LButton, at(s.at[0]));
+                host.Send(wm::LButtonUp, 0, at(s.at[0]));
+            }
         }
-        host.Send(wm::MouseMove, 0, at(s.at[0]));
-        host.Click(at(s.at[0]));
-        if (s.kind == Stroke::DoubleClick) {
-            host.Send(wm::LButtonDblClk, mk::LButton, at(s.at[0]));
-            host.Send(wm::LButtonUp, 0, at(s.at[0]));
+        EXPECT_EQ(recorder.events, c.events);
+        const Variant numbers = host.control.GetLayerShapeNumbers(1);
+        ASSERT_EQ(numbers.Rows(), 1);
+        const int32_t n = int32_t(numbers.At(0).Integer());
+        EXPECT_EQ(host.control.GetShapeType(n), type);
+        if (type == bvxGroup) continue;
+        ASSERT_EQ(host.control.GetShapePointCount(n), int16_t(c.points.size()));
+        for (size_t i = 0; i < c.points.size(); ++i) {
+            EXPECT_NEAR(host.control.ShapePointGetX(n, int16_t(i)), c.points[i].x, 1e-6) << "point " << i;
+            EXPECT_NEAR(host.control.ShapePointGetY(n, int16_t(i)), c.points[i].y, 1e-6) << "point " << i;
         }
-    }
-    EXPECT_EQ(recorder.events, c.events);
-    const Variant numbers = host.control.GetLayerShapeNumbers(1);
-    ASSERT_EQ(numbers.Rows(), 1);
-    const int32_t n = int32_t(numbers.At(0).Integer());
-    EXPECT_EQ(host.control.GetShapeType(n), c.type);
-    if (c.type == bvxGroup) return;
-    ASSERT_EQ(host.control.GetShapePointCount(n), int16_t(c.points.size()));
-    for (size_t i = 0; i < c.points.size(); ++i) {
-        EXPECT_NEAR(host.control.ShapePointGetX(n, int16_t(i)), c.points[i].x, 1e-6) << "point " << i;
-        EXPECT_NEAR(host.control.ShapePointGetY(n, int16_t(i)), c.points[i].y, 1e-6) << "point " << i;
     }
 }
 
