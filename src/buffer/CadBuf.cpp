@@ -161,8 +161,14 @@ CObjShape* CadBuf::AddShape(std::unique_ptr<CObjShape> shape, ShapeContext& view
     int32_t index = layer;
     if (layer == kCurrentLayer || layer == kCurrentLayerPattern) {
         target = CurrentLayer;
-        auto it = std::find_if(Layers.begin(), Layers.end(), [&](const auto& l) { return l.get() == target; });
-        index = int32_t(it - Layers.begin());
+        // The open layer's number names it, unless a closed layer below has
+        // moved it.
+        if (IsLayer(CurrentLayerNumber) && Layers[size_t(CurrentLayerNumber)].get() == target) {
+            index = CurrentLayerNumber;
+        } else {
+            auto it = std::find_if(Layers.begin(), Layers.end(), [&](const auto& l) { return l.get() == target; });
+            index = int32_t(it - Layers.begin());
+        }
     } else {
         target = Layer(layer);
     }

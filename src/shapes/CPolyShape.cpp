@@ -120,9 +120,11 @@ DeviceRect CPolyShape::PointsDeviceBox(const CadWorld& world) const
 {
     if (Points.empty()) return {};
     const DevicePoint first = world.WorldToDevice(Points.front());
-    DeviceRect box{first.x, first.y, first.x + 1, first.y + 1};
-    for (const WorldPoint& p : Points) {
-        const DevicePoint d = world.WorldToDevice(p);
+    // One pixel past the first point, where that is a number.
+    const auto past = [](int32_t v) { return v == INT32_MAX ? v : v + 1; };
+    DeviceRect box{first.x, first.y, past(first.x), past(first.y)};
+    for (size_t i = 1; i < Points.size(); ++i) {
+        const DevicePoint d = world.WorldToDevice(Points[i]);
         box = {std::min(box.left, d.x), std::min(box.top, d.y), std::max(box.right, d.x), std::max(box.bottom, d.y)};
     }
     return box;

@@ -17,12 +17,6 @@ constexpr double kTinyFactor = 1e-7;
 int64_t GridSteps(int64_t pixels) { return pixels / 3 + 2; }
 } // namespace
 
-DeviceRect CadWorld::WorldRectToDevice(const WorldPoint& a, const WorldPoint& b) const
-{
-    DevicePoint p = WorldToDevice(a), q = WorldToDevice(b);
-    return {p.x, p.y, q.x, q.y};
-}
-
 WorldPoint CadWorld::DeviceToWorld(DevicePoint p) const
 {
     // The corner comes off in world units after the conversion.

@@ -80,7 +80,11 @@ public:
         return {WrapToInt32(double(RoundHalfDown((p.x - OriginX) * (SignX * ScaleX))) + ClientRect.left),
                 WrapToInt32(double(RoundHalfDown((p.y - OriginY) * (SignY * ScaleY))) + ClientRect.top)};
     }
-    DeviceRect WorldRectToDevice(const WorldPoint& a, const WorldPoint& b) const;
+    DeviceRect WorldRectToDevice(const WorldPoint& a, const WorldPoint& b) const
+    {
+        const DevicePoint p = WorldToDevice(a), q = WorldToDevice(b);
+        return {p.x, p.y, q.x, q.y};
+    }
     WorldPoint DeviceToWorld(DevicePoint p) const;
     DevicePoint WorldSizeToDevice(const WorldPoint& size) const;
     int32_t WorldHeightToDevice(double height) const;
