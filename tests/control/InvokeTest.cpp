@@ -1,8 +1,5 @@
-#include "HostDoubles.h"
 #include "VariantPrint.h"
-#include "control/CadControl.h"
-
-#include <gtest/gtest.h>
+#include "shapes/ShapeTestSupport.h"
 
 #include <cmath>
 
@@ -10,14 +7,10 @@ namespace bvx {
 namespace {
 
 using members::Kind;
-using testing::RecordingEventSink;
-using testing::RecordingHostWindow;
 
-// A host's view of the control: everything goes through Invoke by name.
-class Host : public ::testing::Test {
+// A host's view of the control in a 101 by 101 window: everything goes through Invoke by name.
+class Host : public shapetest::ControlTest {
 protected:
-    Host() : control(&window, &sink) { control.View().World.SetClientRect({0, 0, 101, 101}); }
-
     Variant Call(std::u16string_view name, std::vector<Variant> args = {}, HResult expect = hresult::Ok)
     {
         Variant result;
@@ -37,10 +30,6 @@ protected:
     static Variant I(int32_t v) { return Variant::I4(v); }
     static Variant R(double v) { return Variant::R8(v); }
     static Variant S(std::u16string v) { return Variant::String(std::move(v)); }
-
-    RecordingHostWindow window;
-    RecordingEventSink sink;
-    CadControl control;
 };
 
 TEST_F(Host, UnknownNamesAndKindsAreRefused)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -149,34 +150,24 @@ TEST(CadWorld, RotationUsesTheHistoricalConstantAndIsRemembered)
     EXPECT_DOUBLE_EQ(w.LastRotation, 0);
 }
 
-int CountPixels(const Bitmap& b, ColorRef color)
-{
-    int n = 0;
-    for (uint32_t p : b.Pixels()) n += p == color;
-    return n;
-}
-
 TEST(CadWorld, GridIsDotsAtMultiplesOfTheSpacingUnlessTooDense)
 {
     CadWorld w = WorldOfSize(101, 101);
     auto bitmap = CreateBitmap(101, 101);
     RasterDeviceContext dc(bitmap);
-    w.GridSet(true, 10, 10, 0x0000FF);
-    w.DrawGrid(dc, {0, 0, 101, 101});
-    EXPECT_EQ(CountPixels(*bitmap, 0x0000FF), 11 * 11);
+    // The pixels of the grid's colour once the grid is drawn at `spacing`.
+    auto dots = [&](double spacing, ColorRef colour) {
+        w.GridSet(true, spacing, 10, colour);
+        w.DrawGrid(dc, {0, 0, 101, 101});
+        return std::count(bitmap->Pixels().begin(), bitmap->Pixels().end(), colour);
+    };
+    EXPECT_EQ(dots(10, 0x0000FF), 11 * 11);
     EXPECT_EQ(bitmap->Pixel(50, 50), 0x0000FFu);
     EXPECT_NE(bitmap->Pixel(55, 50), 0x0000FFu);
-
-    auto fine = CreateBitmap(101, 101);
-    RasterDeviceContext fineDc(fine);
-    w.GridSet(true, 0.1, 10, 0x00FF00);
-    w.DrawGrid(fineDc, {0, 0, 101, 101});
-    EXPECT_EQ(CountPixels(*fine, 0x00FF00), 0);
-
+    EXPECT_EQ(dots(0.1, 0x00FF00), 0);
     // A spacing that vanishes against the coordinates must still end.
     w.SetWorld(1e17, 100, 1e17 + 100, 0, 0);
-    w.GridSet(true, 10, 10, 0x00FF00);
-    w.DrawGrid(fineDc, {0, 0, 101, 101});
+    dots(10, 0x00FF00);
 }
 
 TEST(CadWorld, GridSetNeedsPositiveSizes)
