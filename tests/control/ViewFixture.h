@@ -19,23 +19,20 @@ class ViewFixture : public ::testing::Test {
 protected:
     ViewFixture() : view(&window, &sink) { view.World.SetClientRect({0, 0, 101, 101}); }
 
-    CRectShape* AddRect(double x1, double y1, double x2, double y2, int32_t layer = 1, int16_t type = bvxRectangle)
+    // A shape of two points: corners, or a centre and radii.
+    template <typename Shape> Shape* Add(int16_t type, int32_t layer, WorldPoint p0, WorldPoint p1)
     {
-        auto* shape = static_cast<CRectShape*>(view.Buf.FindShape(view.CreateShape(type, layer)));
-        if (!shape) return nullptr;
-        shape->SetPoint(0, x1, y1, &view);
-        shape->SetPoint(1, x2, y2, &view);
+        auto* shape = static_cast<Shape*>(view.Buf.FindShape(view.CreateShape(type, layer)));
+        if (shape) shape->SetPoint(0, p0.x, p0.y, &view), shape->SetPoint(1, p1.x, p1.y, &view);
         return shape;
     }
-
-    CEllipseShape* AddEllipse(double cx, double cy, double rx, double ry, int32_t layer = 1,
-                              int16_t type = bvxEllipse)
+    CRectShape* AddRect(double x1, double y1, double x2, double y2, int32_t layer = 1, int16_t type = bvxRectangle)
     {
-        auto* shape = static_cast<CEllipseShape*>(view.Buf.FindShape(view.CreateShape(type, layer)));
-        if (!shape) return nullptr;
-        shape->SetPoint(0, cx, cy, &view);
-        shape->SetPoint(1, rx, ry, &view);
-        return shape;
+        return Add<CRectShape>(type, layer, {x1, y1}, {x2, y2});
+    }
+    CEllipseShape* AddEllipse(double cx, double cy, double rx, double ry, int32_t layer = 1, int16_t type = bvxEllipse)
+    {
+        return Add<CEllipseShape>(type, layer, {cx, cy}, {rx, ry});
     }
 
     DevicePoint Device(double x, double y) const { return view.World.WorldToDevice({x, y}); }
