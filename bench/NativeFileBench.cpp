@@ -53,7 +53,7 @@ std::unique_ptr<CObjShape> MakeShape(int16_t type, size_t i, const CTextFont& fo
     auto point = [&] { return WorldPoint{coord(rng), coord(rng)}; };
     std::unique_ptr<CObjShape> shape = NewShapeOfClass(type);
     shape->SetShapeType(uint8_t(type), 0);
-    if (i % 2) shape->SetAttr(std::make_unique<ShapeAttr>(ShapeAttr::FromWords(uint32_t(rng()), uint32_t(rng()))));
+    if (i % 2) shape->SetAttr(ShapeAttr::FromWords(uint32_t(rng()), uint32_t(rng())));
     if (type <= bvx2PointEllipse) {
         auto& r = static_cast<CRectShape&>(*shape);
         r.P1 = point(), r.P2 = point(), r.Radius = {2, 2};

@@ -66,7 +66,7 @@ bool ReadHead(NativeReader& in, CObjShape& shape, uint16_t type, int32_t version
     }
     if (in.I16() != 0) {
         const uint32_t word0 = in.U32();
-        shape.SetAttr(std::make_unique<ShapeAttr>(ShapeAttr::FromWords(word0, in.U32())));
+        shape.SetAttr(ShapeAttr::FromWords(word0, in.U32()));
     }
     return in.Ok();
 }

@@ -42,7 +42,7 @@ const AttrFieldAccess& Access(AttrField field) { return kAttrFields[size_t(field
 
 ShapeAttr& CadControl::OwnAttr(CObjShape& shape)
 {
-    if (!shape.Attr) shape.Attr = std::make_unique<ShapeAttr>(view_.EffectiveAttr(shape));
+    if (!shape.Attr) shape.Attr = view_.EffectiveAttr(shape);
     return *shape.Attr;
 }
 

@@ -65,7 +65,7 @@ bool CadControl::ShapeConvert(int32_t number, int16_t type, int16_t mode, double
     if (!source || !target) return false;
     source->CopyBaseTo(*target);
     // The new shape keeps the look the old one had, inherited or not.
-    target->SetAttr(std::make_unique<ShapeAttr>(view_.EffectiveAttr(*source)));
+    target->SetAttr(view_.EffectiveAttr(*source));
     target->SetShapeType(uint8_t(type), 0);
     if (mode == 2 && view_.World.AngleMode == 1) value *= kDegreesToRadians;
     if (!source->ConvertTo(type, target.get(), mode, value, &view_)) return false;
@@ -196,7 +196,7 @@ void CadControl::ShapeColorReset(int32_t number)
 {
     CObjShape* s = Shape(number);
     if (!s) return;
-    s->SetAttr(nullptr);
+    s->SetAttr(std::nullopt);
     view_.InvalidateShape(s, true);
 }
 

@@ -127,7 +127,7 @@ void CObjShape::CopyBaseTo(CObjShape& target) const
 
 void CObjShape::CopyAttrIf(const CObjShape& from, CObjShape& to, int16_t withAttr)
 {
-    if (withAttr == 1 && from.Attr) to.Attr = std::make_unique<ShapeAttr>(*from.Attr);
+    if (withAttr == 1 && from.Attr) to.Attr = *from.Attr;
 }
 
 void ApplyMatrix(const Matrix3& matrix, WorldPoint& point) { point = matrix.Apply(point); }

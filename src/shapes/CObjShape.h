@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -38,7 +39,7 @@ public:
     int32_t Number = -1;
     std::u16string Notes;
     ShortRect Bounds;
-    std::unique_ptr<ShapeAttr> Attr; // null: the layer's (or group's) colours
+    std::optional<ShapeAttr> Attr; // none: the layer's (or group's) colours; held in place, as a load makes millions
     uint8_t TypeFlags = 0;
     bool Selected = false;
     int16_t Layer = -1;
@@ -92,7 +93,7 @@ public:
     // Helpers shared by all classes.
     void StoreBounds(const DeviceRect& rect);
     DeviceRect BoundsAsRect() const { return {Bounds.left, Bounds.top, Bounds.right, Bounds.bottom}; }
-    void SetAttr(std::unique_ptr<ShapeAttr> record) { Attr = std::move(record); }
+    void SetAttr(std::optional<ShapeAttr> record) { Attr = record; }
     void CopyBaseTo(CObjShape& target) const;
     // The 6 by 6 device box a handle is drawn in and hit by.
     DeviceRect HandleBox(int32_t handle, const ShapeContext& view) const;

@@ -129,7 +129,7 @@ TEST_F(NativeFileTest, SavedBytesFollowTheLayoutFieldByField)
     round->P1 = {1, 2};
     round->P2 = {3, 4};
     round->Radius = {0.5, 0.25};
-    round->SetAttr(std::make_unique<ShapeAttr>(own));
+    round->SetAttr(own);
     Add(c, std::move(round), 2, 1);
     auto line = std::make_unique<CRectShape>();
     line->P1 = {-1, -2};
@@ -169,7 +169,7 @@ TEST_F(NativeFileTest, SavedBytesFollowTheLayoutFieldByField)
     Add(c, std::move(point), 17);
     CGroupShape& outer = Add(c, std::make_unique<CGroupShape>(), 18);
     CGroupShape& inner = Add(c, std::make_unique<CGroupShape>(), 18);
-    inner.SetAttr(std::make_unique<ShapeAttr>(own));
+    inner.SetAttr(own);
     auto member = std::make_unique<CPointShape>();
     member->Position = {1, 1};
     CPointShape& innerMember = Add(c, std::move(member), 17);
@@ -333,7 +333,7 @@ private:
         std::unique_ptr<CObjShape> shape = NewShape(type);
         shape->SetShapeType(uint8_t(type), int16_t(Below(2)));
         if (Below(2)) shape->Notes = Text(Below(40));
-        if (Below(2)) shape->SetAttr(std::make_unique<ShapeAttr>(Attr()));
+        if (Below(2)) shape->SetAttr(Attr());
         CObjShape* added = v_.Buf.AddShape(std::move(shape), v_, layer);
         types.push_back(type);
         if (type == bvxPicture && Below(3) != 0) {

@@ -116,7 +116,7 @@ TEST_F(View, EffectiveAttributesWalkShapeThenLayer)
     auto* r = AddRect(10, 10, 20, 20);
     view.Buf.Layers[1]->Attr->SetPenColor(5);
     EXPECT_EQ(view.EffectiveAttr(*r).PenColor(), 5u);
-    r->SetAttr(std::make_unique<ShapeAttr>(ShapeAttr::Default()));
+    r->SetAttr(ShapeAttr::Default());
     r->Attr->SetPenColor(9);
     EXPECT_EQ(view.EffectiveAttr(*r).PenColor(), 9u);
     // A shape not yet numbered wears the current layer's colours.
