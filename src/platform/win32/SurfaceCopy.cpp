@@ -1,0 +1,82 @@
+#include "SurfaceCopy.h"
+
+#include <algorithm>
+
+namespace bvx::win32 {
+
+namespace {
+
+// A top-down header for rows of `width` pixels; with bit fields, masks that
+// put red in the low byte, as a COLORREF holds it.
+struct DibHeader {
+    BITMAPINFOHEADER header{};
+    DWORD masks[3]{};
+
+    DibHeader(int32_t width, int32_t rows, bool bitFields)
+    {
+        header.biSize = sizeof(BITMAPINFOHEADER);
+        header.biWidth = width;
+        header.biHeight = -rows;
+        header.biPlanes = 1;
+        header.biBitCount = 32;
+        header.biCompression = bitFields ? BI_BITFIELDS : BI_RGB;
+        if (bitFields) {
+            masks[0] = 0x000000FF;
+            masks[1] = 0x0000FF00;
+            masks[2] = 0x00FF0000;
+        }
+    }
+    const BITMAPINFO* Info() const { return reinterpret_cast<const BITMAPINFO*>(this); }
+};
+
+} // namespace
+
+bool SurfaceCopy::Copy(HDC dc, const Bitmap& surface, DeviceRect area, DevicePoint to)
+{
+    const DeviceRect whole{0, 0, surface.Width(), surface.Height()};
+    const DeviceRect clipped = area.Intersected(whole);
+    if (!dc || clipped.IsEmpty()) return false;
+    to.x += clipped.left - area.left;
+    to.y += clipped.top - area.top;
+    switch (path_) {
+    case Path::BitFields: return CopyDescribed(dc, surface, clipped, to, true);
+    case Path::Swapped: return CopySwapped(dc, surface, clipped, to);
+    case Path::Raw: return CopyDescribed(dc, surface, clipped, to, false);
+    case Path::Undecided: break;
+    }
+    if (CopyDescribed(dc, surface, clipped, to, true)) return true;
+    path_ = Path::Swapped;
+    return CopySwapped(dc, surface, clipped, to);
+}
+
+bool SurfaceCopy::CopyDescribed(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to, bool bitFields)
+{
+    // The header describes exactly the area's rows, at the surface's stride,
+    // so the source is the whole block and no start row needs reckoning.
+    const int32_t width = int32_t(area.Width());
+    const int32_t height = int32_t(area.Height());
+    const DibHeader header(surface.Width(), height, bitFields);
+    const int32_t copied = SetDIBitsToDevice(dc, to.x, to.y, DWORD(width), DWORD(height), area.left, 0, 0,
+                                             UINT(height), surface.Row(area.top).data(), header.Info(), DIB_RGB_COLORS);
+    return copied > 0;
+}
+
+bool SurfaceCopy::CopySwapped(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to)
+{
+    const int32_t width = int32_t(area.Width());
+    const int32_t height = int32_t(area.Height());
+    scratch_.resize(size_t(width) * size_t(height));
+    uint32_t* out = scratch_.data();
+    for (int32_t y = area.top; y < area.bottom; ++y) {
+        const uint32_t* in = surface.Row(y).data() + area.left;
+        for (int32_t x = 0; x < width; ++x) {
+            const uint32_t c = in[x];
+            *out++ = ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
+        }
+    }
+    const DibHeader header(width, height, false);
+    return SetDIBitsToDevice(dc, to.x, to.y, DWORD(width), DWORD(height), 0, 0, 0, UINT(height), scratch_.data(),
+                             header.Info(), DIB_RGB_COLORS) > 0;
+}
+
+} // namespace bvx::win32

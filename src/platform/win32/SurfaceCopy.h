@@ -1,0 +1,41 @@
+// The raster surface shown on a platform device context. Our pixels are
+// COLORREFs (red in the low byte), the reverse of a plain 32-bit DIB, so the
+// copy describes them to GDI with bit-field masks; a GDI that refuses those
+// gets the rows of the copied area swapped into a scratch buffer instead.
+#pragma once
+
+#include "platform/GdiObjects.h"
+#include "platform/Geometry.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace bvx::win32 {
+
+class SurfaceCopy {
+public:
+    enum class Path : uint8_t {
+        Undecided, // bit fields, falling back to the swap for good when refused
+        BitFields, // only bit fields
+        Swapped,   // only the swap
+        Raw,       // the bytes as they are, colours wrong: the baseline that benchmarks compare with
+    };
+
+    explicit SurfaceCopy(Path path = Path::Undecided) : path_(path) {}
+
+    // The part `area` of the surface (clipped to it) to the device context,
+    // its top left corner at `to`; false if nothing could be copied.
+    bool Copy(HDC dc, const Bitmap& surface, DeviceRect area, DevicePoint to);
+    Path CurrentPath() const { return path_; }
+
+private:
+    bool CopyDescribed(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to, bool bitFields);
+    bool CopySwapped(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to);
+
+    Path path_;
+    std::vector<uint32_t> scratch_;
+};
+
+} // namespace bvx::win32
