@@ -46,6 +46,15 @@ std::span<const InterfaceEntry<CBvxCAD>> CBvxCAD::Interfaces()
         Entry<CBvxCAD, IPersistStreamInit>(IID_IPersistStreamInit),
         Entry<CBvxCAD, IPersistPropertyBag>(IID_IPersistPropertyBag),
         Entry<CBvxCAD, IPersistStorage>(IID_IPersistStorage),
+        Entry<CBvxCAD, IOleWindow, IOleInPlaceObjectWindowless>(IID_IOleWindow),
+        Entry<CBvxCAD, IOleInPlaceObject, IOleInPlaceObjectWindowless>(IID_IOleInPlaceObject),
+        Entry<CBvxCAD, IOleInPlaceObjectWindowless>(IID_IOleInPlaceObjectWindowless),
+        Entry<CBvxCAD, IOleInPlaceActiveObject>(IID_IOleInPlaceActiveObject),
+        Entry<CBvxCAD, IViewObject, IViewObjectEx>(IID_IViewObject),
+        Entry<CBvxCAD, IViewObject2, IViewObjectEx>(IID_IViewObject2),
+        Entry<CBvxCAD, IViewObjectEx>(IID_IViewObjectEx),
+        Entry<CBvxCAD, IDataObject>(IID_IDataObject),
+        Entry<CBvxCAD, IQuickActivate>(IID_IQuickActivate),
     };
     return table;
 }
@@ -54,6 +63,7 @@ CBvxCAD::CBvxCAD()
 {
     control_.AdvisePropertyNotify(&propertyRelay_);
     control_.SetUserModeSource([this] { return AmbientUserMode(); });
+    control_.SetViewChangeSink(&viewRelay_);
 }
 
 STDMETHODIMP CBvxCAD::EnumConnectionPoints(IEnumConnectionPoints** out)

@@ -10,6 +10,7 @@
 #include "PropertyMap.h"
 
 #include "control/CadControl.h"
+#include "platform/win32/ChildWindow.h"
 
 #include "bvxcad_vtable.h"
 
@@ -20,11 +21,16 @@
 namespace bvx::com {
 
 class CBvxCAD;
+
+// OLEMISC_SETCLIENTSITEFIRST | ACTIVATEWHENVISIBLE | INSIDEOUT | CANTLINKINSIDE | RECOMPOSEONRESIZE
+constexpr DWORD kMiscStatus = 0x20191;
 using CBvxCADBase = ComObject<CBvxCAD, BvxCadVtable<CBvxCAD>, IConnectionPointContainer, IProvideClassInfo2,
                               ISupportErrorInfo, IOleControl, IOleObject, IObjectSafety, ISpecifyPropertyPages,
-                              IPerPropertyBrowsing, IPersistStreamInit, IPersistPropertyBag, IPersistStorage>;
+                              IPerPropertyBrowsing, IPersistStreamInit, IPersistPropertyBag, IPersistStorage,
+                              IOleInPlaceObjectWindowless, IOleInPlaceActiveObject, IViewObjectEx, IDataObject,
+                              IQuickActivate>;
 
-class CBvxCAD final : public CBvxCADBase {
+class CBvxCAD final : public CBvxCADBase, private win32::WindowOwner {
 public:
     static std::span<const InterfaceEntry<CBvxCAD>> Interfaces();
 
@@ -69,7 +75,7 @@ public:
     STDMETHODIMP OnAmbientPropertyChange(DISPID dispid) override;
     STDMETHODIMP FreezeEvents(BOOL freeze) override;
 
-    // IOleObject, as far as it needs no window
+    // IOleObject
     STDMETHODIMP SetClientSite(IOleClientSite* site) override;
     STDMETHODIMP GetClientSite(IOleClientSite** out) override;
     STDMETHODIMP SetHostNames(LPCOLESTR application, LPCOLESTR document) override;
@@ -120,6 +126,59 @@ public:
     STDMETHODIMP SaveCompleted(IStorage* storage) override;
     STDMETHODIMP HandsOffStorage() override;
 
+    // IOleWindow, through both in-place interfaces
+    STDMETHODIMP GetWindow(HWND* out) override;
+    STDMETHODIMP ContextSensitiveHelp(BOOL enter) override;
+
+    // IOleInPlaceObjectWindowless
+    STDMETHODIMP InPlaceDeactivate() override;
+    STDMETHODIMP UIDeactivate() override;
+    STDMETHODIMP SetObjectRects(LPCRECT position, LPCRECT clip) override;
+    STDMETHODIMP ReactivateAndUndo() override;
+    STDMETHODIMP OnWindowMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* result) override;
+    STDMETHODIMP GetDropTarget(IDropTarget** out) override;
+
+    // IOleInPlaceActiveObject
+    STDMETHODIMP TranslateAccelerator(LPMSG message) override;
+    STDMETHODIMP OnFrameWindowActivate(BOOL activate) override;
+    STDMETHODIMP OnDocWindowActivate(BOOL activate) override;
+    STDMETHODIMP ResizeBorder(LPCRECT border, IOleInPlaceUIWindow* window, BOOL frame) override;
+    STDMETHODIMP EnableModeless(BOOL enable) override;
+
+    // IViewObject, IViewObject2, IViewObjectEx
+    STDMETHODIMP Draw(DWORD aspect, LONG index, void* aspectInfo, DVTARGETDEVICE* target, HDC targetInfo, HDC dc,
+                      LPCRECTL bounds, LPCRECTL metafileBounds, BOOL(STDMETHODCALLTYPE* keepGoing)(ULONG_PTR),
+                      ULONG_PTR keepGoingArgument) override;
+    STDMETHODIMP GetColorSet(DWORD aspect, LONG index, void* aspectInfo, DVTARGETDEVICE* target, HDC targetInfo,
+                             LOGPALETTE** out) override;
+    STDMETHODIMP Freeze(DWORD aspect, LONG index, void* aspectInfo, DWORD* cookie) override;
+    STDMETHODIMP Unfreeze(DWORD cookie) override;
+    STDMETHODIMP SetAdvise(DWORD aspects, DWORD flags, IAdviseSink* sink) override;
+    STDMETHODIMP GetAdvise(DWORD* aspects, DWORD* flags, IAdviseSink** sink) override;
+    STDMETHODIMP GetExtent(DWORD aspect, LONG index, DVTARGETDEVICE* target, LPSIZEL size) override;
+    STDMETHODIMP GetRect(DWORD aspect, LPRECTL rect) override;
+    STDMETHODIMP GetViewStatus(DWORD* status) override;
+    STDMETHODIMP QueryHitPoint(DWORD aspect, LPCRECT bounds, POINT point, LONG closeHint, DWORD* result) override;
+    STDMETHODIMP QueryHitRect(DWORD aspect, LPCRECT bounds, LPCRECT rect, LONG closeHint, DWORD* result) override;
+    STDMETHODIMP GetNaturalExtent(DWORD aspect, LONG index, DVTARGETDEVICE* target, HDC targetInfo,
+                                  DVEXTENTINFO* info, LPSIZEL size) override;
+
+    // IDataObject: no format yet
+    STDMETHODIMP GetData(FORMATETC* format, STGMEDIUM* medium) override;
+    STDMETHODIMP GetDataHere(FORMATETC* format, STGMEDIUM* medium) override;
+    STDMETHODIMP QueryGetData(FORMATETC* format) override;
+    STDMETHODIMP GetCanonicalFormatEtc(FORMATETC* in, FORMATETC* out) override;
+    STDMETHODIMP SetData(FORMATETC* format, STGMEDIUM* medium, BOOL release) override;
+    STDMETHODIMP EnumFormatEtc(DWORD direction, IEnumFORMATETC** out) override;
+    STDMETHODIMP DAdvise(FORMATETC* format, DWORD flags, IAdviseSink* sink, DWORD* cookie) override;
+    STDMETHODIMP DUnadvise(DWORD cookie) override;
+    STDMETHODIMP EnumDAdvise(IEnumSTATDATA** out) override;
+
+    // IQuickActivate
+    STDMETHODIMP QuickActivate(QACONTAINER* container, QACONTROL* control) override;
+    STDMETHODIMP SetContentExtent(LPSIZEL size) override;
+    STDMETHODIMP GetContentExtent(LPSIZEL size) override;
+
 private:
     friend CBvxCADBase;
     ~CBvxCAD() = default;
@@ -132,15 +191,36 @@ private:
     IDispatch* Dispatch() { return static_cast<IBvxCAD*>(this); }
     HRESULT AdviseHolder(IOleAdviseHolder** out);
 
+    // In-place activation, as the verbs ask for it: the window made in the
+    // site's parent window, shown, and with `uiActivate` the focus and the
+    // frame's active object.
+    HRESULT InPlaceActivate(IOleClientSite* site, bool uiActivate, const RECT* position);
+    // The window's messages: the focus rules of an in-place object first,
+    // then the control's own routing.
+    int64_t OnWindowMessage(uint32_t msg, uint64_t wParam, int64_t lParam) override;
+    void OnWindowPaint(DeviceContext& dc, const DeviceRect& client) override;
+    bool WindowUserMode() const override { return AmbientUserMode(); }
+    void TellSiteFocus(bool focus);
+    void ShowWindow(bool show);
+
     ConnectionPoint events_{*this, DIID__CADEvents, &IID_IDispatch};
     ConnectionPoint propertyNotify_{*this, IID_IPropertyNotifySink};
     EventRelay eventRelay_{events_};
     PropertyNotifyRelay propertyRelay_{propertyNotify_};
+    ViewAdviseRelay viewRelay_;
     CadControl control_{nullptr, &eventRelay_};
     Ref<IOleClientSite> site_;
     Ref<IOleAdviseHolder> adviseHolder_;
     Extent extent_;
     DWORD safety_ = 0;
+
+    win32::ChildWindow window_{*this};
+    Ref<IOleInPlaceSite> inPlaceSite_;
+    Ref<IOleInPlaceFrame> frame_;
+    Ref<IOleInPlaceUIWindow> uiWindow_;
+    RECT position_{};
+    bool inPlaceActive_ = false;
+    bool uiActive_ = false;
 };
 
 } // namespace bvx::com

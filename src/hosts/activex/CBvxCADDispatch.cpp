@@ -27,6 +27,8 @@ const wchar_t* Describe(HRESULT hr)
 
 HRESULT CBvxCAD::CallMember(int32_t dispid, members::Kind kind, std::span<const Variant> args, Variant* result)
 {
+    // A host may let go of the control from an event the member fires.
+    Ref<IUnknown> alive = Ref<IUnknown>::Share(Identity());
     // No C++ exception may cross into a COM caller.
     try {
         return control_.Invoke(dispid, kind, args, result);

@@ -1,14 +1,9 @@
-// IOleObject without a window: the client site (whose ambient user mode
-// gates design-time reads), the natural size, advise sinks and status.
-// Verbs arrive with in-place activation.
+// IOleObject: the client site (whose ambient user mode gates design-time
+// reads), the natural size, advise sinks and status. The verbs and closing
+// are in-place activation's.
 #include "CBvxCAD.h"
 
 namespace bvx::com {
-
-namespace {
-// OLEMISC_SETCLIENTSITEFIRST | ACTIVATEWHENVISIBLE | INSIDEOUT | CANTLINKINSIDE | RECOMPOSEONRESIZE
-constexpr DWORD kMiscStatus = 0x20191;
-} // namespace
 
 STDMETHODIMP CBvxCAD::SetClientSite(IOleClientSite* site)
 {
@@ -24,8 +19,6 @@ STDMETHODIMP CBvxCAD::GetClientSite(IOleClientSite** out)
 }
 
 STDMETHODIMP CBvxCAD::SetHostNames(LPCOLESTR, LPCOLESTR) { return S_OK; }
-
-STDMETHODIMP CBvxCAD::Close(DWORD) { return S_OK; }
 
 STDMETHODIMP CBvxCAD::SetMoniker(DWORD, IMoniker*) { return E_NOTIMPL; }
 
@@ -44,8 +37,6 @@ STDMETHODIMP CBvxCAD::GetClipboardData(DWORD, IDataObject** out)
     *out = nullptr;
     return E_NOTIMPL;
 }
-
-STDMETHODIMP CBvxCAD::DoVerb(LONG, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) { return E_NOTIMPL; }
 
 STDMETHODIMP CBvxCAD::EnumVerbs(IEnumOLEVERB** out) { return OleRegEnumVerbs(CLSID_BvxCAD, out); }
 
@@ -68,6 +59,7 @@ STDMETHODIMP CBvxCAD::SetExtent(DWORD aspect, SIZEL* size)
     if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
     if (size->cx != extent_.cx || size->cy != extent_.cy) control_.SetDirty(true);
     extent_ = {size->cx, size->cy};
+    viewRelay_.OnViewChange();
     return S_OK;
 }
 

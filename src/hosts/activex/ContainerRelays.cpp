@@ -56,4 +56,20 @@ void PropertyNotifyRelay::OnChanged(int32_t dispid)
     for (const Ref<IPropertyNotifySink>& sink : point_.Sinks<IPropertyNotifySink>()) sink->OnChanged(dispid);
 }
 
+void ViewAdviseRelay::Set(IAdviseSink* sink, DWORD aspects, DWORD flags)
+{
+    sink_ = Ref<IAdviseSink>::Share(sink);
+    aspects_ = sink ? aspects : 0;
+    flags_ = sink ? flags : 0;
+}
+
+void ViewAdviseRelay::OnViewChange()
+{
+    if (!sink_ || !(aspects_ & DVASPECT_CONTENT)) return;
+    // The sink may drop itself while it is told.
+    Ref<IAdviseSink> sink = sink_;
+    sink->OnViewChange(DVASPECT_CONTENT, -1);
+    if (flags_ & ADVF_ONLYONCE) Set(nullptr, 0, 0);
+}
+
 } // namespace bvx::com

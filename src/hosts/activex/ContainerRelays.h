@@ -30,4 +30,20 @@ private:
     const ConnectionPoint& point_;
 };
 
+// A changed view to the sink the container gave IViewObject::SetAdvise.
+class ViewAdviseRelay final : public ViewChangeSink {
+public:
+    void Set(IAdviseSink* sink, DWORD aspects, DWORD flags);
+    IAdviseSink* Sink() const { return sink_.get(); }
+    DWORD Aspects() const { return aspects_; }
+    DWORD Flags() const { return flags_; }
+    void OnViewChange() override;
+    void OnDataChange() override {}
+
+private:
+    Ref<IAdviseSink> sink_;
+    DWORD aspects_ = 0;
+    DWORD flags_ = 0;
+};
+
 } // namespace bvx::com

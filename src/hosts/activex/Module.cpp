@@ -1,5 +1,7 @@
 #include "Module.h"
 
+#include "platform/win32/ChildWindow.h"
+
 #include "ClassFactory.h"
 #include "ComObject.h"
 #include "Registration.h"
@@ -49,12 +51,15 @@ HRESULT LoadTypeInfo(REFGUID guid, ITypeInfo** out)
 
 extern "C" {
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID)
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)
 {
     if (reason == DLL_PROCESS_ATTACH) {
         bvx::com::gModule = instance;
         DisableThreadLibraryCalls(instance);
     }
+    // Unloaded while the process goes on: the window class must not outlive
+    // the procedure it names.
+    if (reason == DLL_PROCESS_DETACH && !reserved) bvx::win32::ChildWindow::UnregisterWindowClass();
     return TRUE;
 }
 
