@@ -64,6 +64,10 @@ CBvxCAD::CBvxCAD()
     control_.AdvisePropertyNotify(&propertyRelay_);
     control_.SetUserModeSource([this] { return AmbientUserMode(); });
     control_.SetViewChangeSink(&viewRelay_);
+    // The screen's resolution, which a host without windows takes as 96.
+    CadWorld& world = control_.View().World;
+    world.ScreenDpiX = world.OutputDpiX = window_.ScreenDpiX();
+    world.ScreenDpiY = world.OutputDpiY = window_.ScreenDpiY();
 }
 
 STDMETHODIMP CBvxCAD::EnumConnectionPoints(IEnumConnectionPoints** out)
