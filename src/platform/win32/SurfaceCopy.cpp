@@ -1,6 +1,7 @@
 #include "SurfaceCopy.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace bvx::win32 {
 
@@ -36,8 +37,13 @@ bool SurfaceCopy::Copy(HDC dc, const Bitmap& surface, DeviceRect area, DevicePoi
     const DeviceRect whole{0, 0, surface.Width(), surface.Height()};
     const DeviceRect clipped = area.Intersected(whole);
     if (!dc || clipped.IsEmpty()) return false;
-    to.x += clipped.left - area.left;
-    to.y += clipped.top - area.top;
+    // Shifted by what the clip cut off, in 64 bits: an area starting far left
+    // of the surface overflows 32. A destination reaching past the last
+    // coordinate is on no device, and GDI's own sums would overflow.
+    const int64_t x = int64_t(to.x) + (int64_t(clipped.left) - area.left);
+    const int64_t y = int64_t(to.y) + (int64_t(clipped.top) - area.top);
+    if (x + clipped.Width() > INT32_MAX || y + clipped.Height() > INT32_MAX) return false;
+    to = {int32_t(x), int32_t(y)};
     switch (path_) {
     case Path::BitFields: return CopyDescribed(dc, surface, clipped, to, true);
     case Path::Swapped: return CopySwapped(dc, surface, clipped, to);
