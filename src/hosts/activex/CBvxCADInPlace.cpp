@@ -220,7 +220,11 @@ int64_t CBvxCAD::OnWindowMessage(uint32_t msg, uint64_t wParam, int64_t lParam)
 
 void CBvxCAD::OnWindowPaint(DeviceContext& dc, const DeviceRect& client)
 {
-    control_.OnDraw(&window_, dc, client);
+    try {
+        control_.OnDraw(&window_, dc, client);
+    } catch (...) {
+        // Out of memory for the back buffer: the window keeps its old picture.
+    }
 }
 
 } // namespace bvx::com
