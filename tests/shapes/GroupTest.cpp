@@ -1,11 +1,10 @@
-// Groups and points through the members a host calls: the colours members
-// paint with, refusals that leave the drawing as it was, and a nest deeper
-// than any call stack would carry.
+// Groups through the members a host calls: the colours members paint with,
+// and a nest deeper than any call stack would carry. Refusals are a script
+// case (scripts/group_refusals.bvxs).
 #include "ShapeTestSupport.h"
 
 #include "platform/DeviceContext.h"
 
-#include <functional>
 #include <string>
 
 namespace bvx::shapetest {
@@ -22,24 +21,6 @@ protected:
         const int32_t g = control.ShapeAdd(bvxGroup, 1);
         for (int32_t m : members) EXPECT_TRUE(control.GroupAddShape(g, m));
         return g;
-    }
-    // The drawing as the host sees it: the lists of layer 1 and of every group
-    // in it, what is selected, and where each shape's first point lies.
-    std::string Drawing()
-    {
-        std::string text;
-        std::function<void(const Variant&)> list = [&](const Variant& numbers) {
-            text += "{";
-            for (int32_t i = 0; i < numbers.Rows(); ++i) {
-                const int32_t n = int32_t(numbers.At(i).Integer());
-                text += std::to_string(n) + "@" + std::to_string(control.ShapePointGetX(n, 0)) + " ";
-                if (control.GetShapeType(n) == bvxGroup) list(control.GetGroupShapeNumbers(n).value.value());
-            }
-            text += "}";
-        };
-        list(control.GetLayerShapeNumbers(1));
-        list(control.GetShapeSelectNumbers());
-        return text + std::to_string(control.GetShapeSelectNumber());
     }
 };
 
@@ -69,41 +50,6 @@ TEST_F(Groups, MembersPaintWithTheNearestColoursOfTheirOwnTheirGroupsOrTheirLaye
     // Without Show the nested members are not drawn; the rest still are.
     control.PutGroupAction(inner, 2);
     EXPECT_EQ(colours(), (std::vector<ColorRef>{kRed, kRed, kBlue, kWhite, kRed, kWhite}));
-}
-
-// Each refusal answers false and leaves the drawing exactly as it was.
-TEST_F(Groups, RefusalsLeaveTheDrawingUnchanged)
-{
-    const int32_t a = Square(5), b = Square(25), r = Square(45);
-    const int32_t inner = Group({b});
-    const int32_t outer = Group({a, inner});
-    const int32_t empty = Group({});
-    control.ShapeSelect(r, false);
-    struct Case {
-        const char* what;
-        std::function<bool()> call;
-    };
-    const Case cases[] = {
-        {"a group into itself", [&] { return control.GroupAddShape(outer, outer); }},
-        {"a group into a group inside it", [&] { return control.GroupAddShape(inner, outer); }},
-        {"a member of another group", [&] { return control.GroupAddShape(empty, b); }},
-        {"into a shape that is no group", [&] { return control.GroupAddShape(r, empty); }},
-        {"into an unknown group", [&] { return control.GroupAddShape(999, r); }},
-        {"an unknown shape", [&] { return control.GroupAddShape(empty, 999); }},
-        {"the selection into a shape that is no group", [&] { return control.GroupAddSelection(a); }},
-        {"out of a group it is not in", [&] { return control.GroupRemoveShape(empty, a); }},
-        {"out of the group above its own", [&] { return control.GroupRemoveShape(outer, b); }},
-        {"everything out of a shape that is no group", [&] { return control.GroupRemoveAll(r); }},
-    };
-    const std::string before = Drawing();
-    for (const Case& c : cases) {
-        EXPECT_FALSE(c.call()) << c.what;
-        EXPECT_EQ(Drawing(), before) << c.what;
-    }
-    control.ShapeSelect(-1, false);
-    const std::string unselected = Drawing();
-    EXPECT_FALSE(control.GroupAddSelection(empty)) << "nothing selected";
-    EXPECT_EQ(Drawing(), unselected);
 }
 
 // Nesting is bounded by memory alone: building, painting, finding,

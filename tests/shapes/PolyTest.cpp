@@ -249,30 +249,6 @@ TEST_F(Poly, HitTestsFollowTheOutlineOverAGrid)
     }
 }
 
-TEST_F(Poly, PointInsertAndDeleteOnPointListsOnly)
-{
-    for (int16_t type = bvxPolyline; type <= bvxClosedSpline; ++type) {
-        const int32_t n = Path(type, {{10, 10}, {40, 20}, {70, 10}});
-        sink.events.clear();
-        EXPECT_TRUE(control.ShapePointInsert(n, 1, 25, 50) && control.ShapePointInsert(n, 0, 5, 5));
-        EXPECT_FALSE(control.ShapePointInsert(n, 5, 1, 1) || control.ShapePointInsert(n, -1, 1, 1));
-        EXPECT_EQ(Points(n), (Pts{{5, 5}, {10, 10}, {25, 50}, {40, 20}, {70, 10}})) << type;
-        EXPECT_FALSE(control.ShapePointDelete(n, 5) || control.ShapePointDelete(n, -1));
-        EXPECT_TRUE(control.ShapePointDelete(n, 4) && control.ShapePointDelete(n, 1));
-        EXPECT_EQ(Points(n), (Pts{{5, 5}, {25, 50}, {40, 20}})) << type;
-        EXPECT_TRUE(control.ShapePointDelete(n, 0) && control.ShapePointDelete(n, 0));
-        EXPECT_EQ(Points(n), (Pts{{40, 20}}));
-        EXPECT_TRUE(sink.events.empty());
-    }
-    for (int32_t n : {control.DrawThreePointArc(20, 50, 50, 80, 80, 50, 1), control.DrawRectangle(10, 10, 30, 30, 1),
-                      control.DrawLine(0, 0, 9, 9, 1), control.DrawCircle(50, 50, 9, 1),
-                      control.DrawEllipse(50, 50, 9, 4, 1), control.DrawArc(50, 50, 9, 9, 0, 1, 1), 9999}) {
-        const Pts before = Points(n);
-        EXPECT_FALSE(control.ShapePointInsert(n, 0, 1, 1) || control.ShapePointDelete(n, 0)) << n;
-        EXPECT_EQ(Points(n), before);
-    }
-}
-
 // Each conversion from a new shape: done, the shape keeps its number and
 // selection and the host hears nothing; refused (nothing wanted), nothing changes.
 TEST_F(Poly, ConversionsKeepTheNumberAndTellNothing)

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace bvx {
 namespace {
@@ -21,55 +20,7 @@ CadWorld WorldOfSize(int32_t width, int32_t height)
     return w;
 }
 
-// Each row: a client size, then optionally the square rule off, a world set and a pan; the edges, scales and
-// directions that follow, and world points with the device points they map to and back from.
-struct WorldCase {
-    const char* name;
-    int32_t width, height;
-    bool square;
-    std::vector<double> world; // left, top, right, bottom; empty: as the fresh view has it
-    WorldPoint pan;
-    double edges[4]; // left, top, right, bottom
-    double scaleX, scaleY;
-    int signX, signY;
-    std::vector<std::pair<WorldPoint, DevicePoint>> points;
-};
-
-TEST(CadWorld, SizesWorldsAndPansGiveTheirEdgesScalesAndPoints)
-{
-    const WorldCase cases[] = {
-        {"fresh view at 101 shows 0 to 100 at scale 1", 101, 101, true, {}, {}, {0, 100, 100, 0}, 1, 1, 1, -1,
-         {{{0, 100}, {0, 0}}, {{100, 0}, {100, 100}}, {{50, 25}, {50, 75}}, {{30, 60}, {30, 40}}}},
-        {"a square world widens the free axis", 201, 101, true, {}, {}, {0, 100, 200, 0}, 1, 1, 1, -1, {}},
-        {"without the square rule each axis takes its own scale", 201, 101, false, {0, 100, 100, 0}, {},
-         {0, 100, 100, 0}, 2, 1, 1, -1, {{{0, 100}, {0, 0}}, {{100, 0}, {200, 100}}}},
-        // X decides the scale (1); Y's top moves up, its bottom stays.
-        {"square on a negative y axis keeps the bottom edge", 101, 201, true, {}, {}, {0, 200, 100, 0}, 1, 1, 1, -1,
-         {{{0, 0}, {0, 200}}}},
-        // Y ran against the device (sign -1), so top goes up by one and bottom down.
-        {"a tiny world is widened around itself", 101, 101, true, {5, 5, 5, 5}, {}, {4, 6, 6, 4}, 50, 50, 1, -1, {}},
-        {"axes may run either way", 101, 101, true, {10, 0, 0, 10}, {}, {10, 0, 0, 10}, 10, 10, -1, 1,
-         {{{10, 0}, {0, 0}}, {{0, 10}, {100, 100}}}},
-        {"a pan moves all edges", 101, 101, true, {}, {10, -5}, {10, 95, 110, -5}, 1, 1, 1, -1, {}},
-    };
-    for (const WorldCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        CadWorld w = WorldOfSize(c.width, c.height);
-        if (!c.square) w.SetWorldSquare(false);
-        if (!c.world.empty()) w.SetWorld(c.world[0], c.world[1], c.world[2], c.world[3], 0);
-        if (c.pan.x != 0 || c.pan.y != 0) w.Pan(c.pan.x, c.pan.y);
-        EXPECT_EQ((std::vector<double>{w.WorldLeft, w.WorldTop, w.WorldRight, w.WorldBottom}),
-                  std::vector<double>(std::begin(c.edges), std::end(c.edges)));
-        EXPECT_DOUBLE_EQ(w.ScaleX, c.scaleX);
-        EXPECT_DOUBLE_EQ(w.ScaleY, c.scaleY);
-        EXPECT_EQ(std::pair(int(w.SignX), int(w.SignY)), std::pair(c.signX, c.signY));
-        for (const auto& [world, device] : c.points) {
-            EXPECT_EQ(w.WorldToDevice(world), device) << world.x << "," << world.y;
-            EXPECT_EQ(w.DeviceToWorld(device), world) << device.x << "," << device.y;
-        }
-    }
-}
-
+// Sizes, worlds and pans as a host sees them are script cases (scripts/world_square_*.bvxs).
 TEST(CadWorld, SizeConversionsCarryNoOrigin)
 {
     CadWorld w = WorldOfSize(201, 201);
