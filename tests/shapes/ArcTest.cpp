@@ -193,34 +193,7 @@ TEST_F(Arcs, BoundsAndBorderHitsFollowTheDrawnPart)
     EXPECT_TRUE(hits > 4000 && misses > 140000) << hits << " " << misses;
 }
 
-// By hand at scale 1 (device x = world x, y = 100 - world y), radius 30 about (50, 50). Inside method: the box's
-// diagonal stands in for the chord and the half width is not centred, so some answers differ from the true figure.
-TEST_F(Arcs, HitRowsWorkedByHand)
-{
-    Window(101, {0, 100, 100, 0});
-    const std::tuple<int16_t, int16_t, double, double, DevicePoint, bool> rows[] = {
-        // Ends (50, 20) and (20, 50): bounds and the ends' box 20..50 both ways.
-        {bvxChord, 1, kPi / 2, kPi, {30, 30}, true},  // diagonal at x 30, not left of it; half width 22: 1 crossing
-        {bvxChord, 1, kPi / 2, kPi, {45, 40}, true},  // 2 crossings, but right of the chord at 30: outside truly
-        {bvxChord, 1, kPi / 2, kPi, {35, 25}, false}, // crossings at 25 and 17, chord at 45: inside truly
-        {bvxChord, 1, kPi / 2, kPi, {22, 30}, false}, // outside the circle, left of the chord at 40
-        {bvxPieSlice, 1, kPi / 2, kPi, {30, 30}, true},
-        {bvxPieSlice, 1, kPi / 2, kPi, {45, 40}, false}, // inside truly; the radii at x 50 and y 50 not crossed
-        {bvxPieSlice, 1, kPi / 2, kPi, {35, 25}, false},
-        // Ends (80, 50) and (20, 50): bounds 20..81 by 20..50, the ends' box one row.
-        {bvxChord, 1, 0, kPi, {50, 30}, true},    // off that row: one crossing
-        {bvxChord, 1, 0, kPi, {50, 60}, false},   // below the bounds
-        {bvxArc, 0, 1, 1, {20, 50}, true},        // border method: equal angles are the whole ellipse
-        {bvxArc, 0, 0, kPi / 2, {20, 50}, false}, // a quarter from the right up to the top
-    };
-    for (const auto& [type, method, start, end, point, hit] : rows) {
-        Make(type, 50, 50, 30, 30, start, end);
-        control.PutShapeSearchMethod(number, method);
-        EXPECT_EQ(View().Buf.FindShape(number)->HitTest(point, View()) != 0, hit)
-            << "type " << type << " from " << start << " at " << point.x << "," << point.y;
-    }
-}
-
+// Hits worked out by hand are a script case (scripts/hits_by_hand.bvxs).
 TEST_F(Arcs, HandlesPointsAndDrags)
 {
     Window(101, {0, 100, 100, 0});

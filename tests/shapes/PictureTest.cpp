@@ -1,6 +1,7 @@
 // Pictures through the members a host calls: how each style lays the
 // bitmap out, the shared picture table, bad files, and the drawing written
-// as a bitmap file and read back.
+// as a bitmap file and read back. Hits on pictures are a script case
+// (scripts/picture_hits.bvxs).
 #include "ShapeTestSupport.h"
 
 #include "platform/ByteStream.h"
@@ -182,22 +183,6 @@ TEST_F(Pictures, AnExportAtAHigherResolutionWidensThePens)
     std::filesystem::remove(file);
 }
 
-// On the border method a picture is found on its frame; inside it only a
-// natural-size one is, and only where its image is. Device (x, y) is world
-// (x, 100 - y); the frames are 31 pixels square from (10, 10).
-TEST_F(Pictures, TheInsideFindsOnlyANaturalSizeImage)
-{
-    for (int16_t style : {0, 2}) {
-        control.CadClearShapes(-1);
-        const int32_t n = Picture(style, "twenty_by_twelve.bmp");
-        control.ShapePointSet(n, 1, 40, 60);
-        control.PutShapeSearchMethod(n, 0);
-        EXPECT_EQ(control.ShapeHitTest(10, 80, 2), n) << style << ": on the frame";
-        EXPECT_EQ(control.ShapeHitTest(25, 82, 2), style == 2 ? n : -1) << style << ": inside, on the image";
-        EXPECT_EQ(control.ShapeHitTest(25, 65, 2), -1) << style << ": inside, below the image";
-    }
-}
-
 // A one-pixel bitmap tiled over a box millions of pixels wide is drawn
 // where it shows, and no further.
 TEST_F(Pictures, ATinyTileOverAHugeBoxFillsTheWindow)
@@ -209,12 +194,6 @@ TEST_F(Pictures, ATinyTileOverAHugeBoxFillsTheWindow)
     auto dc = Painted();
     EXPECT_EQ(dc->GetPixel(0, 0), MakeRgb(10, 20, 30));
     EXPECT_EQ(dc->GetPixel(100, 100), MakeRgb(10, 20, 30));
-}
-
-TEST_F(Pictures, APictureMadeWithoutTheMouseAsksForItsBitmap)
-{
-    const int32_t n = control.ShapeAdd(bvxPicture, 1);
-    EXPECT_EQ(sink.events.back(), "PictureEntry " + std::to_string(n));
 }
 
 } // namespace

@@ -69,13 +69,6 @@ TEST_F(Shapes, RectangleHitTestUsesTheViewTolerance)
     EXPECT_TRUE(r->HitTest({45, 45}, view));
 }
 
-TEST_F(Shapes, LinesAreHitAlongTheirLength)
-{
-    auto* line = AddRect(10, 90, 90, 50, 1, bvxLine); // device (10,10) to (90,50)
-    for (auto [point, hit] : {pair{DevicePoint{50, 30}, true}, {{50, 32}, true}, {{50, 40}, false}, {{95, 52}, false}})
-        EXPECT_EQ(line->HitTest(point, view) != 0, hit) << point.x << "," << point.y;
-}
-
 TEST(HitSegment, BorderAndCrossingModes)
 {
     constexpr int32_t lo = INT32_MIN, hi = INT32_MAX;
