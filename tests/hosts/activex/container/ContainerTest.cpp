@@ -10,14 +10,15 @@ namespace {
 constexpr int kSide = 101;
 constexpr RECT kSquare{0, 0, kSide, kSide};
 
-long Long(IBvxCAD* control, const wchar_t* name, std::vector<Value> args = {})
+// A member read by name, as a number.
+double Read(IBvxCAD* control, const wchar_t* name, std::vector<Value> args = {})
 {
     Outcome read = Get(control, name, args);
     EXPECT_EQ(read.hr, S_OK) << Narrow(name);
-    return long(read.result.Number());
+    return read.result.Number();
 }
 
-void SetLong(IBvxCAD* control, const wchar_t* name, long value)
+void Write(IBvxCAD* control, const wchar_t* name, long value)
 {
     EXPECT_EQ(Put(control, name, Value::I4(value)).hr, S_OK) << Narrow(name);
 }
@@ -136,7 +137,7 @@ TEST_F(Container, AMouseDrawnRectangleMovedAndDeletedFiresWhatTheCommandLineHost
     Embedded e(form.Handle(), kSquare);
     ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
     Painted(e);
-    SetLong(e.control.get(), L"ViewMouseTool", bvxRectangle);
+    Write(e.control.get(), L"ViewMouseTool", bvxRectangle);
     e.events->Take();
     double cornerX = 0, cornerY = 0;
     for (size_t i = 0; i < legs.size(); ++i) {
@@ -151,18 +152,16 @@ TEST_F(Container, AMouseDrawnRectangleMovedAndDeletedFiresWhatTheCommandLineHost
 
         const std::string name = leg.name;
         if (name == "draw") {
-            EXPECT_EQ(Long(e.control.get(), L"ViewMouseTool"), bvxSelect) << "the tool falls back to select";
-            EXPECT_EQ(Long(e.control.get(), L"CadShapeCount"), 1);
-            cornerX = Get(e.control.get(), L"ShapePointGetX", {Value::I4(1), Value::I4(0)}).result.Number();
-            cornerY = Get(e.control.get(), L"ShapePointGetY", {Value::I4(1), Value::I4(0)}).result.Number();
+            EXPECT_EQ(Read(e.control.get(), L"ViewMouseTool"), bvxSelect) << "the tool falls back to select";
+            EXPECT_EQ(Read(e.control.get(), L"CadShapeCount"), 1);
+            cornerX = Read(e.control.get(), L"ShapePointGetX", {Value::I4(1), Value::I4(0)});
+            cornerY = Read(e.control.get(), L"ShapePointGetY", {Value::I4(1), Value::I4(0)});
         } else if (name == "drag") {
             // The drag went 15 pixels right and 10 down: at scale 1 with y up.
-            EXPECT_EQ(Get(e.control.get(), L"ShapePointGetX", {Value::I4(1), Value::I4(0)}).result.Number(),
-                      cornerX + 15);
-            EXPECT_EQ(Get(e.control.get(), L"ShapePointGetY", {Value::I4(1), Value::I4(0)}).result.Number(),
-                      cornerY - 10);
+            EXPECT_EQ(Read(e.control.get(), L"ShapePointGetX", {Value::I4(1), Value::I4(0)}), cornerX + 15);
+            EXPECT_EQ(Read(e.control.get(), L"ShapePointGetY", {Value::I4(1), Value::I4(0)}), cornerY - 10);
         } else {
-            EXPECT_EQ(Long(e.control.get(), L"CadShapeCount"), 0);
+            EXPECT_EQ(Read(e.control.get(), L"CadShapeCount"), 0);
         }
     }
 }
@@ -193,11 +192,11 @@ TEST_F(Container, TheToolMenuOfARightPressIsCancelledOrAnsweredFromTheQueue)
     Embedded e(form.Handle(), kSquare);
     ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
     Painted(e);
-    SetLong(e.control.get(), L"ViewSnapToGrid", 0);
-    SetLong(e.control.get(), L"ViewSnapToShape", 0);
+    Write(e.control.get(), L"ViewSnapToGrid", 0);
+    Write(e.control.get(), L"ViewSnapToShape", 0);
     for (const MenuAnswer& answer : answers) {
         SCOPED_TRACE(answer.name);
-        SetLong(e.control.get(), L"ViewMouseTool", kBefore);
+        Write(e.control.get(), L"ViewMouseTool", kBefore);
         for (const Step& s : answer.queued) PostMessageW(e.hwnd, s.msg, s.wParam, s.lParam);
         watchdogFired = false;
         const UINT_PTR watchdog = SetTimer(nullptr, 0, 10000, CloseMenu);
@@ -211,7 +210,7 @@ TEST_F(Container, TheToolMenuOfARightPressIsCancelledOrAnsweredFromTheQueue)
         }
         Pump();
         Post(e.hwnd, {Mouse(WM_RBUTTONUP, 0, 50, 50)});
-        EXPECT_EQ(Long(e.control.get(), L"ViewMouseTool"), answer.tool);
+        EXPECT_EQ(Read(e.control.get(), L"ViewMouseTool"), answer.tool);
     }
 }
 
@@ -223,8 +222,8 @@ TEST_F(Container, TwoControlsOnOneFormKeepTheirOwnDrawingToolAndCapture)
     ASSERT_NE(a.hwnd, b.hwnd);
     Painted(a);
     Painted(b);
-    SetLong(a.control.get(), L"ViewMouseTool", bvxRectangle);
-    SetLong(b.control.get(), L"ViewMouseTool", bvxEllipse);
+    Write(a.control.get(), L"ViewMouseTool", bvxRectangle);
+    Write(b.control.get(), L"ViewMouseTool", bvxEllipse);
     a.events->Take();
     b.events->Take();
 
@@ -232,10 +231,10 @@ TEST_F(Container, TwoControlsOnOneFormKeepTheirOwnDrawingToolAndCapture)
     EXPECT_EQ(GetCapture(), a.hwnd) << "a press holds the mouse in its own window";
     Post(a.hwnd, {Mouse(WM_LBUTTONUP, 0, 20, 90), Mouse(WM_MOUSEMOVE, 0, 60, 50),
                   Mouse(WM_LBUTTONDOWN, MK_LBUTTON, 60, 50), Mouse(WM_LBUTTONUP, 0, 60, 50)});
-    EXPECT_EQ(Long(a.control.get(), L"CadShapeCount"), 1);
-    EXPECT_EQ(Long(b.control.get(), L"CadShapeCount"), 0);
-    EXPECT_EQ(Long(a.control.get(), L"ViewMouseTool"), bvxSelect);
-    EXPECT_EQ(Long(b.control.get(), L"ViewMouseTool"), bvxEllipse);
+    EXPECT_EQ(Read(a.control.get(), L"CadShapeCount"), 1);
+    EXPECT_EQ(Read(b.control.get(), L"CadShapeCount"), 0);
+    EXPECT_EQ(Read(a.control.get(), L"ViewMouseTool"), bvxSelect);
+    EXPECT_EQ(Read(b.control.get(), L"ViewMouseTool"), bvxEllipse);
     EXPECT_FALSE(a.events->Take().empty());
     EXPECT_EQ(b.events->Take(), std::vector<std::string>{});
 
@@ -243,10 +242,10 @@ TEST_F(Container, TwoControlsOnOneFormKeepTheirOwnDrawingToolAndCapture)
     Post(b.hwnd, {Mouse(WM_LBUTTONDOWN, MK_LBUTTON, 50, 50)});
     EXPECT_EQ(GetCapture(), b.hwnd);
     Post(b.hwnd, {Mouse(WM_LBUTTONUP, 0, 50, 50)});
-    EXPECT_EQ(Long(b.control.get(), L"ViewMouseTool"), bvxEllipse);
-    EXPECT_EQ(Long(b.control.get(), L"ShapeType", {Value::I4(1)}), bvxEllipse);
-    EXPECT_EQ(Long(a.control.get(), L"ShapeType", {Value::I4(1)}), bvxRectangle);
-    EXPECT_EQ(Long(a.control.get(), L"CadShapeCount"), 1);
+    EXPECT_EQ(Read(b.control.get(), L"ViewMouseTool"), bvxEllipse);
+    EXPECT_EQ(Read(b.control.get(), L"ShapeType", {Value::I4(1)}), bvxEllipse);
+    EXPECT_EQ(Read(a.control.get(), L"ShapeType", {Value::I4(1)}), bvxRectangle);
+    EXPECT_EQ(Read(a.control.get(), L"CadShapeCount"), 1);
     EXPECT_FALSE(b.events->Take().empty());
     EXPECT_EQ(a.events->Take(), std::vector<std::string>{});
 }
@@ -262,7 +261,7 @@ TEST_F(Container, AContainerReleasingTheControlInsideAnEventLeavesTheRoadSafe)
         auto e = std::make_unique<Embedded>(form.Handle(), kSquare);
         ASSERT_EQ(e->activated, S_OK) << HexCode(e->activated);
         Painted(*e);
-        SetLong(e->control.get(), L"ViewMouseTool", bvxRectangle);
+        Write(e->control.get(), L"ViewMouseTool", bvxRectangle);
         const HWND window = e->hwnd;
         const Ref<EventRecorder> events = e->events;
         events->handler = [&](const std::string& line) {
@@ -349,7 +348,7 @@ TEST_F(Container, HidingShowingAndResizingKeepTheDrawing)
     ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
     Painted(e);
     Apply(e.control.get(), kDrawing);
-    const long shapes = Long(e.control.get(), L"CadShapeCount");
+    const double shapes = Read(e.control.get(), L"CadShapeCount");
     ASSERT_GT(shapes, 0);
 
     EXPECT_EQ(e.Verb(OLEIVERB_HIDE), S_OK);
@@ -359,7 +358,7 @@ TEST_F(Container, HidingShowingAndResizingKeepTheDrawing)
     ASSERT_TRUE(inPlace);
     inPlace->GetWindow(&e.hwnd);
     EXPECT_TRUE(IsWindowVisible(e.hwnd));
-    EXPECT_EQ(Long(e.control.get(), L"CadShapeCount"), shapes);
+    EXPECT_EQ(Read(e.control.get(), L"CadShapeCount"), shapes);
     ExpectPicturesOf(e, CliPicture({kSize}, "shown"));
 
     EXPECT_EQ(e.Move(RECT{0, 0, kBigger.cx, kBigger.cy}), S_OK);
@@ -367,7 +366,7 @@ TEST_F(Container, HidingShowingAndResizingKeepTheDrawing)
     GetClientRect(e.hwnd, &client);
     EXPECT_EQ(client.right, kBigger.cx);
     EXPECT_EQ(client.bottom, kBigger.cy);
-    EXPECT_EQ(Long(e.control.get(), L"CadShapeCount"), shapes);
+    EXPECT_EQ(Read(e.control.get(), L"CadShapeCount"), shapes);
     ExpectPicturesOf(e, CliPicture({kSize, kBigger}, "resized"));
 }
 
