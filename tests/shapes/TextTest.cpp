@@ -1,5 +1,6 @@
 // Text through the members and messages a host sends: where its pixels
 // fall, typing with the caret, and the font table's fallback to slot 0.
+// How many slots the table holds is a script case (scripts/font_slots.bvxs).
 #include "ShapeTestSupport.h"
 
 #include "platform/DeviceContext.h"
@@ -80,20 +81,6 @@ TEST_F(Texts, TextsOfAClosedFontFallBackToTheDefaultOnceDrawn)
     EXPECT_EQ(TextShape(waiting).Font.Slot(), big);
     const DeviceRect small = TextShape(drawn).BoundsAsRect(), large = TextShape(waiting).BoundsAsRect();
     EXPECT_LT(small.bottom - small.top, large.bottom - large.top);
-}
-
-// A text's font word names 256 slots; the table grows no further.
-TEST_F(Texts, TheTableEndsWhereAFontWordCanNoLongerNameASlot)
-{
-    int16_t last = 0;
-    for (int height = 1; height <= 300 && last >= 0; ++height) {
-        const std::string name = "Arial," + std::to_string(height) + ",N";
-        last = control.FontOpen(std::u16string(name.begin(), name.end()), 1);
-    }
-    EXPECT_EQ(last, -1);
-    EXPECT_EQ(View().FontTable.Slots.size(), 256u);
-    control.FontClose(200);
-    EXPECT_EQ(control.FontOpen(u"Arial,999,N", 1), 200) << "a closed slot is taken again";
 }
 
 } // namespace
