@@ -263,8 +263,7 @@ Embedded::Embedded(HWND form, RECT rect) : form_(form)
     if (point_) {
         EXPECT_EQ(point_->Advise(events.get(), &cookie_), S_OK);
     }
-    DWORD adviseCookie = 0;
-    EXPECT_EQ(ole->Advise(static_cast<IAdviseSink*>(site.get()), &adviseCookie), S_OK);
+    EXPECT_EQ(ole->Advise(static_cast<IAdviseSink*>(site.get()), &adviseCookie_), S_OK);
     if (Ref<IViewObject> view = As<IViewObject>(control.get(), IID_IViewObject))
         view->SetAdvise(DVASPECT_CONTENT, 0, static_cast<IAdviseSink*>(site.get()));
 
@@ -286,6 +285,7 @@ void Embedded::Shutdown()
     if (Ref<IConnectionPoint> point = std::exchange(point_, Ref<IConnectionPoint>())) point->Unadvise(cookie_);
     if (Ref<IViewObject> view = As<IViewObject>(going.get(), IID_IViewObject))
         view->SetAdvise(DVASPECT_CONTENT, 0, nullptr);
+    ole->Unadvise(adviseCookie_);
     ole->SetClientSite(nullptr);
 }
 
@@ -303,10 +303,9 @@ HRESULT Embedded::Move(RECT rect)
     SIZEL extent{MulDiv(rect.right - rect.left, 2540, GetDeviceCaps(screen, LOGPIXELSX)),
                  MulDiv(rect.bottom - rect.top, 2540, GetDeviceCaps(screen, LOGPIXELSY))};
     ReleaseDC(nullptr, screen);
-    HRESULT hr = As<IOleObject>(control.get(), IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &extent);
-    if (Ref<IOleInPlaceObject> inPlace = As<IOleInPlaceObject>(control.get(), IID_IOleInPlaceObject); inPlace && hwnd)
-        hr = inPlace->SetObjectRects(&rect, &rect);
-    return hr;
+    const HRESULT hr = As<IOleObject>(control.get(), IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &extent);
+    Ref<IOleInPlaceObject> inPlace = As<IOleInPlaceObject>(control.get(), IID_IOleInPlaceObject);
+    return FAILED(hr) || !inPlace || !hwnd ? hr : inPlace->SetObjectRects(&rect, &rect);
 }
 
 Step Mouse(UINT msg, WPARAM keys, int x, int y) { return {msg, keys, MAKELPARAM(x, y)}; }

@@ -161,7 +161,7 @@ struct Embedded {
 
 private:
     Ref<IConnectionPoint> point_;
-    DWORD cookie_ = 0;
+    DWORD cookie_ = 0, adviseCookie_ = 0;
     HWND form_;
 };
 
