@@ -1,10 +1,9 @@
 // The window procedure as a host drives it: what it answers, what it hands
 // back to the system, the tool menu, and two controls in one process.
 #include "HostDoubles.h"
+#include "platform/DataRows.h"
 
 #include <gtest/gtest.h>
-
-#include <tuple>
 
 namespace bvx {
 namespace {
@@ -18,26 +17,15 @@ struct Host : testing::RecordingEventSink, testing::ControlHost {
 TEST(WindowProc, AnswersAsTheSystemExpectsAndHandsBackTheRest)
 {
     Host host;
-    // The message, the answer, and what reached the system's handling.
-    const std::tuple<uint32_t, int64_t, std::vector<uint32_t>> rows[] = {
-        {wm::Paint, 0, {}},
-        {wm::EraseBackground, 0, {}},
-        {wm::HScroll, 0, {}}, // no scroll bars: eaten, never passed on
-        {wm::VScroll, 0, {}},
-        {wm::MenuSelect, 1, {}},
-        {wm::Command, 1, {}},
-        {wm::SetCursor, 0, {}},
-        {wm::MouseActivate, 77, {wm::MouseActivate}},
-        {0x0400, 77, {0x0400}},                       // a message nobody here knows
-        {wm::Reflect + 0x2B, 77, {0x2B}},             // a reflected notice goes back unreflected
-        {wm::Reflect + wm::Command, 77, {wm::Command}},
-        {wm::Reflect + 0x210, 77, {0x210}},
-        {wm::Reflect + 0x30, 77, {wm::Reflect + 0x30}}, // not a reflected notice: as it is
-    };
-    for (const auto& [msg, result, defaulted] : rows) {
+    const auto rows = test::DataRows("window_answers.txt");
+    EXPECT_EQ(rows.size(), 13u);
+    for (const auto& row : rows) {
         host.window.defaulted.clear();
-        EXPECT_EQ(host.control.WindowProc(msg, 0, 0), result) << std::hex << msg;
-        EXPECT_EQ(host.window.defaulted, defaulted) << std::hex << msg;
+        const uint32_t msg = uint32_t(std::stoul(row[0], nullptr, 16));
+        EXPECT_EQ(host.control.WindowProc(msg, 0, 0), std::stoll(row[1])) << test::Joined(row);
+        EXPECT_EQ(host.window.defaulted, row[2] == "-" ? std::vector<uint32_t>{}
+                                                       : std::vector<uint32_t>{uint32_t(std::stoul(row[2], nullptr, 16))})
+            << test::Joined(row);
     }
 }
 
@@ -63,18 +51,8 @@ TEST(WindowProc, ToolMenuOffersTheToolsInOrderAndTellsNothingFromSelect)
                      u"Closed Spline|Text");
     EXPECT_EQ(ids, (std::vector<int32_t>{-3, -2, -1, 0, 99, 13, 10, 19, 15, 20, 4, 7, 3, 12, 14, 17, 6, 5, 1, 2, 8,
                                          9, 11}));
-
-    // Dismissed: the tool stays, whatever it is.
-    host.control.PutViewMouseTool(bvxRectangle);
-    host.window.answer.reset();
-    host.Send(wm::RButtonDown, mk::RButton, {30, 40});
-    EXPECT_EQ(host.control.GetViewMouseTool().value, bvxRectangle);
-    // A negative id arrives in sixteen bits and still means itself.
-    host.window.answer = bvxNetZoom;
-    host.Send(wm::RButtonDown, mk::RButton, {30, 40});
-    EXPECT_EQ(host.control.GetViewMouseTool().value, bvxNetZoom);
-    host.control.WindowProc(wm::Command, 0xFFFE, 0);
-    EXPECT_EQ(host.control.GetViewMouseTool().value, bvxPan);
+    // Dismissed menus and the choice as a command are script cases (scripts/mouse_right_button.bvxs,
+    // scripts/tool_menu_command.bvxs).
 }
 
 TEST(WindowProc, TwoControlsDrawAtOnceWithoutDisturbingEachOther)
