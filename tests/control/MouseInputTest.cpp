@@ -2,11 +2,13 @@
 // the control from its events, as hosts may: whatever the host does from a
 // handler, the drawing must stay whole and the mouse must come free.
 #include "ViewFixture.h"
+#include "platform/DataRows.h"
 
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <functional>
+#include <map>
 #include <random>
 #include <unordered_set>
 
@@ -79,64 +81,21 @@ public:
 
 // ---- handlers that call back ----
 
-enum class Script { Draw, PressShape, CtrlPressShape, ResizeCircle, Net };
-using enum Script;
-
 struct Originals { int32_t a, b, c; }; // a rectangle, a circle, a line
+using Call = void (*)(Host&, const Originals&, std::span<const double>);
 
-struct Reentry {
-    const char* name; // after the event's name
-    int16_t tool;
-    bool persist;
-    Script script;
-    std::string_view event;
-    void (*call)(Host&, const Originals&, std::span<const double>);
-    unsigned alive;    // bits 1, 2, 4: which of a, b, c are left
-    int16_t toolAfter; // kAnyTool: not checked
-};
-
-constexpr int16_t kAnyTool = -99;
-
-void ToSelectByName(Host& h, const Originals&, std::span<const double>)
-{
-    const Variant zero = Variant::I4(0);
-    h.control.Invoke(u"ViewMouseTool", members::Kind::PropertyPut, std::span(&zero, 1), nullptr);
-}
-void ToRectangle(Host& h, const Originals&, std::span<const double>) { h.control.PutViewMouseTool(bvxRectangle); }
-void DeleteA(Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.a); }
-void DeleteB(Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.b); }
-void DeleteNamed(Host& h, const Originals&, std::span<const double> args) { h.control.ShapeDelete(int32_t(args[1])); }
-void DeleteDrawn(Host& h, const Originals&, std::span<const double>) { h.control.ShapeDelete(h.lastAdded); }
-void DeleteSelection(Host& h, const Originals&, std::span<const double>) { h.control.ShapeSelectDelete(); }
-void ClearAll(Host& h, const Originals&, std::span<const double>) { h.control.CadClearAll(); }
-
-const Reentry kReentries[] = {
-    {"chooses the select tool by name", 1, false, Draw, "DrawBegin", ToSelectByName, 7, 0},
-    {"chooses another drawing tool", 20, false, Draw, "DrawBegin", ToRectangle, 7, 1},
-    {"deletes another shape", 1, false, Draw, "DrawBegin", DeleteA, 7, 1},
-    {"deletes the selection", 19, false, Draw, "DrawBegin", DeleteSelection, 7, 19},
-    {"clears the drawing", 20, false, Draw, "DrawBegin", ClearAll, 0, kAnyTool},
-    {"deletes the new shape", 1, false, Draw, "ShapeNumberAdded", DeleteNamed, 7, 1},
-    {"deletes the selection", 20, false, Draw, "ShapeNumberAdded", DeleteSelection, 7, 20},
-    {"deletes the copy a Ctrl press makes", 0, false, CtrlPressShape, "ShapeNumberAdded", DeleteNamed, 7, 0},
-    {"clears the drawing", 19, false, Draw, "ShapeNumberAdded", ClearAll, 0, kAnyTool},
-    {"deletes the new shape", 1, false, Draw, "DrawEnd", DeleteDrawn, 7, 1},
-    // A delete during a draw only cancels it: the half-made shape goes, not the one named.
-    {"deletes another shape", 19, false, Draw, "DrawEnd", DeleteA, 7, 19},
-    {"deletes the selection", 20, true, Draw, "DrawEnd", DeleteSelection, 7, 20},
-    {"clears the drawing", 1, false, Draw, "DrawEnd", ClearAll, 0, kAnyTool},
-    {"deletes the finished shape", 1, false, Draw, "ShapeNumberSelected", DeleteNamed, 7, 0},
-    {"deletes the pressed shape", 0, false, PressShape, "ShapeNumberSelected", DeleteNamed, 6, 0},
-    {"deletes the shape a Ctrl press copies", 0, false, CtrlPressShape, "ShapeNumberSelected", DeleteNamed, 6, 0},
-    // Without a persistent tool the end of the net takes the control back to selection.
-    {"chooses a tool after a net select", -1, false, Net, "WorldRectPos", ToRectangle, 7, 0},
-    {"chooses a tool after a net zoom", -3, true, Net, "WorldRectPos", ToRectangle, 7, 1},
-    {"deletes the circle being drawn", 19, false, Draw, "DrawRadius", DeleteDrawn, 7, 19},
-    {"deletes another shape while an ellipse is drawn", 20, false, Draw, "DrawRadius", DeleteA, 7, 20},
-    {"clears the drawing", 20, true, Draw, "DrawRadius", ClearAll, 0, kAnyTool},
-    {"deletes the circle being resized", 0, false, ResizeCircle, "DrawRadius", DeleteB, 5, 0},
-    {"deletes another shape during a resize", 0, false, ResizeCircle, "DrawRadius", DeleteA, 6, 0},
-    {"deletes the selection during a resize", 0, false, ResizeCircle, "DrawRadius", DeleteSelection, 5, 0},
+const std::map<std::string, Call> kCalls = {
+    {"ToSelectByName", [](Host& h, const Originals&, std::span<const double>) {
+         const Variant zero = Variant::I4(0);
+         h.control.Invoke(u"ViewMouseTool", members::Kind::PropertyPut, std::span(&zero, 1), nullptr);
+     }},
+    {"ToRectangle", [](Host& h, const Originals&, std::span<const double>) { h.control.PutViewMouseTool(bvxRectangle); }},
+    {"DeleteA", [](Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.a); }},
+    {"DeleteB", [](Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.b); }},
+    {"DeleteNamed", [](Host& h, const Originals&, std::span<const double> a) { h.control.ShapeDelete(int32_t(a[1])); }},
+    {"DeleteDrawn", [](Host& h, const Originals&, std::span<const double>) { h.control.ShapeDelete(h.lastAdded); }},
+    {"DeleteSelection", [](Host& h, const Originals&, std::span<const double>) { h.control.ShapeSelectDelete(); }},
+    {"ClearAll", [](Host& h, const Originals&, std::span<const double>) { h.control.CadClearAll(); }},
 };
 
 // A device point on one of the circle's radius handles.
@@ -152,42 +111,45 @@ DevicePoint RadiusHandle(const Host& h, const CObjShape& circle)
     return {};
 }
 
-void RunScript(Host& h, const Reentry& c, const Originals& o)
+void RunInput(Host& h, const std::string& input, int16_t tool, const Originals& o)
 {
-    switch (c.script) {
-    case Draw:
+    if (input == "Draw") {
         h.Click(h.At(110, 40));
         h.MoveAndClick(h.At(150, 80));
-        if (c.tool != bvxEllipse) return;
-        h.MoveAndClick(h.At(170, 60));
-        return;
-    case PressShape: // on the rectangle's lower edge, then away
-    case CtrlPressShape: h.Drag({h.At(40, 20), h.At(50, 30)}, c.script == CtrlPressShape ? mk::Control : 0); return;
-    case ResizeCircle: {
+        if (tool == bvxEllipse) h.MoveAndClick(h.At(170, 60));
+    } else if (input == "PressShape" || input == "CtrlPressShape") { // on the rectangle's lower edge, then away
+        h.Drag({h.At(40, 20), h.At(50, 30)}, input == "CtrlPressShape" ? mk::Control : 0);
+    } else if (input == "ResizeCircle") {
         h.control.ShapeSelect(o.b, false);
         const DevicePoint grip = RadiusHandle(h, *h.control.View().Buf.FindShape(o.b));
         h.Drag({grip, {grip.x + 7, grip.y + 9}, {grip.x + 12, grip.y + 15}});
-        return;
-    }
-    case Net: h.Drag({h.At(10, 10), h.At(70, 70)}); return;
+    } else {
+        ASSERT_EQ(input, "Net");
+        h.Drag({h.At(10, 10), h.At(70, 70)});
     }
 }
 
 TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
 {
-    for (const Reentry& c : kReentries) {
-        SCOPED_TRACE(std::string(c.event) + " " + c.name);
+    const auto rows = test::DataRows("mouse_reentry.txt");
+    EXPECT_EQ(rows.size(), 24u);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(test::Joined(row));
+        const std::string& event = row[0];
+        const Call call = kCalls.at(row[1]);
+        const int16_t tool = int16_t(std::stoi(row[2]));
+        const unsigned alive = unsigned(std::stoi(row[5]));
         Host h;
         const Originals o{h.control.DrawRectangle(20, 20, 60, 60, 1), h.control.DrawCircle(140, 140, 20, 1),
                           h.control.DrawLine(20, 150, 80, 190, 1)};
-        h.control.PutViewPersistMouseTool(c.persist);
-        h.control.PutViewMouseTool(c.tool);
-        h.handler = [&](std::string_view event, std::span<const double> args) {
-            if (event == c.event) c.call(h, o, args);
+        h.control.PutViewPersistMouseTool(row[3] == "1");
+        h.control.PutViewMouseTool(tool);
+        h.handler = [&](std::string_view name, std::span<const double> args) {
+            if (name == event) call(h, o, args);
         };
-        RunScript(h, c, o);
-        if (c.toolAfter != kAnyTool) {
-            EXPECT_EQ(h.control.View().CurrentTool, c.toolAfter);
+        RunInput(h, row[4], tool, o);
+        if (row[6] != "-") {
+            EXPECT_EQ(h.control.View().CurrentTool, std::stoi(row[6]));
         }
         h.handler = nullptr;
         // A host that leaves a draw open gets it closed by the user.
@@ -199,7 +161,7 @@ TEST(MouseInputReentry, HostCallbacksLeaveTheDrawingWholeAndTheMouseFree)
         EXPECT_EQ(view.MouseActive, 0); // and so, the drawing being whole, the capture is free
         const int32_t originals[] = {o.a, o.b, o.c};
         for (unsigned i = 0; i < 3; ++i)
-            EXPECT_EQ(view.Buf.FindShape(originals[i]) && !h.added.count(originals[i]), bool(c.alive & (1u << i)))
+            EXPECT_EQ(view.Buf.FindShape(originals[i]) && !h.added.count(originals[i]), bool(alive & (1u << i)))
                 << "original " << i;
         for (int32_t n : h.LiveNumbers())
             EXPECT_TRUE(!h.added.count(n) || h.finished.count(n)) << "half-made shape " << n << " left in a layer";
