@@ -51,40 +51,7 @@ TEST(CadWorld, BadNumbersNeverTrap)
     (void)w.WorldToDevice({1, 1});
 }
 
-struct TransformCase {
-    const char* what;
-    TransformRequest request;
-    WorldPoint in;
-    WorldPoint out;
-};
-
-class Transforms : public ::testing::TestWithParam<TransformCase> {};
-
-TEST_P(Transforms, StepsComeInTheFixedOrder)
-{
-    CadWorld w;
-    WorldPoint p = w.BuildTransform(GetParam().request).Apply(GetParam().in);
-    EXPECT_NEAR(p.x, GetParam().out.x, 1e-9) << GetParam().what;
-    EXPECT_NEAR(p.y, GetParam().out.y, 1e-9) << GetParam().what;
-}
-
-// The translation is not scaled whatever the bit values; shear has no pivot.
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Transforms,
-    ::testing::Values(TransformCase{"scale then translate",
-                                    {.mode = TransformBits::Scale | TransformBits::Translate, .pivotX = 1, .pivotY = 1,
-                                     .scaleX = 2, .scaleY = 2, .translateX = 10},
-                                    {2, 2}, {13, 3}},
-                      TransformCase{"reflect mode 0 mirrors across y = pivotY",
-                                    {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5}, {1, 1}, {1, 9}},
-                      TransformCase{"reflect mode 1 mirrors across x = pivotX",
-                                    {.mode = TransformBits::Reflect, .pivotX = 3, .pivotY = 5, .reflectMode = 1},
-                                    {1, 1}, {5, 1}},
-                      TransformCase{"an unknown shear mode shears X",
-                                    {.mode = TransformBits::Shear, .shearMode = 7, .shear = 2}, {1, 3}, {7, 3}},
-                      TransformCase{"a vanishing factor skips the scale",
-                                    {.mode = TransformBits::Scale, .scaleX = 0, .scaleY = 2}, {4, 4}, {4, 4}}));
-
+// The order of a transform's steps is a script case (scripts/transform_steps.bvxs).
 TEST(CadWorld, RotationUsesTheHistoricalConstantAndIsRemembered)
 {
     CadWorld w;
