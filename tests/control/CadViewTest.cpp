@@ -143,14 +143,7 @@ TEST_F(View, TextCaretFollowsTheTracker)
     EXPECT_TRUE(window.calls.empty());
 }
 
-TEST_F(View, MouseMoveEventIsTheOnlyRoundedOne)
-{
-    view.World.SetWorldCoordPrecision(2);
-    view.World.SetWorldAnglePrecision(1);
-    view.FireWorldMouseMove(1, 1.23456, 2.5, 3.14159, 0.777);
-    view.Fire<&EventSink::Click>(1.23456, 2.5);
-    EXPECT_EQ(sink.events, (std::vector<std::string>{"WorldMouseMove 1 1.23 2.5 3.14 0.8", "Click 1.23456 2.5"}));
-}
+// Which mouse event rounds is a script case (scripts/mouse_move_rounding.bvxs).
 
 // Golden pictures show the styles; here what only printing and mono change.
 TEST_F(View, MonoAndPrintingPens)
