@@ -1,3 +1,6 @@
+// The world's own arithmetic. What a host sees of sizes, worlds and pans, of
+// a transform's steps and of snapping to the grid is in script cases
+// (scripts/world_square_*, transform_steps, snap_to_grid).
 #include "world/CadWorld.h"
 #include "world/Rounding.h"
 #include "platform/HostWindow.h"
@@ -8,7 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace bvx {
 namespace {
@@ -20,7 +22,6 @@ CadWorld WorldOfSize(int32_t width, int32_t height)
     return w;
 }
 
-// Sizes, worlds and pans as a host sees them are script cases (scripts/world_square_*.bvxs).
 TEST(CadWorld, SizeConversionsCarryNoOrigin)
 {
     CadWorld w = WorldOfSize(201, 201);
@@ -51,7 +52,6 @@ TEST(CadWorld, BadNumbersNeverTrap)
     (void)w.WorldToDevice({1, 1});
 }
 
-// The order of a transform's steps is a script case (scripts/transform_steps.bvxs).
 TEST(CadWorld, RotationUsesTheHistoricalConstantAndIsRemembered)
 {
     CadWorld w;
@@ -95,20 +95,6 @@ TEST(CadWorld, GridSetNeedsPositiveSizes)
     EXPECT_FALSE(w.GridOn);
     EXPECT_DOUBLE_EQ(w.GridWidth, 10);
     EXPECT_FALSE(w.GridSet(true, std::numeric_limits<double>::quiet_NaN(), 10, 5));
-}
-
-TEST(CadWorld, SnapToGridPullsBackInsideByOneCell)
-{
-    CadWorld w = WorldOfSize(101, 101);
-    WorldPoint p{104, -3};
-    EXPECT_FALSE(w.SnapToGrid(p)); // the grid is off
-    EXPECT_EQ(p, (WorldPoint{104, -3}));
-    w.GridSet(true, 10, 10, 0);
-    // 110 is outside: back by one cell, -10 likewise; 45 / 10 = 4.5 rounds half down.
-    for (auto [in, out] : {std::pair{WorldPoint{104, -3}, WorldPoint{100, 0}}, {{107, -6}, {100, 0}}, {{23, 45}, {20, 40}}}) {
-        EXPECT_TRUE(w.SnapToGrid(in));
-        EXPECT_EQ(in, out);
-    }
 }
 
 } // namespace
