@@ -1,5 +1,6 @@
 #include "ShapeTestSupport.h"
 #include "control/ViewFixture.h"
+#include "platform/DataRows.h"
 #include "platform/raster/RasterDeviceContext.h"
 #include "world/Rounding.h"
 
@@ -71,22 +72,15 @@ TEST_F(Shapes, RectangleHitTestUsesTheViewTolerance)
 
 TEST(HitSegment, BorderAndCrossingModes)
 {
-    constexpr int32_t lo = INT32_MIN, hi = INT32_MAX;
-    const tuple<DevicePoint, DevicePoint, DevicePoint, int32_t, bool> rows[] = {
-        // Vertical, horizontal, steep and shallow segments; extreme ends answer like any other diagonal.
-        {{10, 0}, {10, 20}, {12, 10}, 0, true}, {{10, 0}, {10, 20}, {14, 10}, 0, false},
-        {{0, 5}, {20, 5}, {10, 8}, 0, true},    {{0, 5}, {20, 5}, {25, 5}, 0, false},
-        {{0, 0}, {10, 40}, {5, 20}, 0, true},   {{0, 0}, {10, 40}, {12, 20}, 0, false},
-        {{0, 0}, {40, 10}, {20, 5}, 0, true},   {{0, 0}, {40, 10}, {20, 12}, 0, false},
-        {{lo, lo}, {hi, hi}, {1, 1}, 0, true},  {{lo, lo}, {hi, hi}, {100, 0}, 0, false},
-        // Crossing: a point right of the segment sees it on its left; the lower end is open.
-        {{10, 0}, {10, 20}, {15, 10}, 1, true}, {{10, 0}, {10, 20}, {5, 10}, 1, false},
-        {{10, 0}, {10, 20}, {15, 20}, 1, false},
-    };
-    for (const auto& [a, b, p, mode, hit] : rows) {
-        EXPECT_EQ(HitSegment(a, b, p, mode), hit) << a.x << "," << a.y << " " << p.x << "," << p.y << " mode " << mode;
-        if (mode == 0) { // the order of the ends is free
-            EXPECT_EQ(HitSegment(b, a, p, mode), hit) << "ends swapped";
+    const auto rows = test::DataRows("hit_segment.txt");
+    EXPECT_EQ(rows.size(), 13u);
+    for (const auto& row : rows) {
+        int32_t v[8];
+        for (size_t i = 0; i < 8; ++i) v[i] = std::stoi(row[i]);
+        const DevicePoint a{v[0], v[1]}, b{v[2], v[3]}, p{v[4], v[5]};
+        EXPECT_EQ(HitSegment(a, b, p, v[6]), v[7] != 0) << test::Joined(row);
+        if (v[6] == 0) {
+            EXPECT_EQ(HitSegment(b, a, p, 0), v[7] != 0) << "ends swapped: " << test::Joined(row);
         }
     }
 }
