@@ -235,19 +235,15 @@ TEST_F(Arcs, HandlesPointsAndDrags)
         EXPECT_DOUBLE_EQ(handle == 2 ? arc->StartAngle : arc->EndAngle, angle + (angle < 0 ? kTwoPi : 0));
         EXPECT_NEAR(View().ReadoutAngle, readout, 1e-9) << point.x << "," << point.y;
     }
-    // Point 2 in degrees: out by 57.29577951308232, cut when the end sits on an axis or diagonal; in by kDegree.
+    // Point 2 goes in by kDegree in degree mode; how it reads out is a script case (scripts/arc_members.bvxs).
     arc = Make(bvxArc, 50, 50, 20, 20, kPi / 2 - 1e-9, 1.0);
     control.PutAngleMode(1);
-    EXPECT_EQ(control.ShapePointGetX(number, 2), 89);
-    EXPECT_NEAR(control.ShapePointGetY(number, 2), 57.29577951, 1e-12);
-    EXPECT_TRUE(control.GetShapePointCount(number) == 3 && control.ShapePointGetX(number, 0) == 50);
     control.ShapePointSet(number, 2, 45, 300);
     EXPECT_TRUE(arc->StartAngle == 45 * kDegree && arc->EndAngle == 300 * kDegree);
     control.ShapePointSetX(number, 2, 10); // the end goes out and back in degrees, unrounded
     EXPECT_TRUE(arc->StartAngle == 10 * kDegree && std::fabs(arc->EndAngle - 300 * kDegree) < 1e-10);
     arc = Make(bvxChord, 50, 50, 20, 20, 30, 135);
     EXPECT_TRUE(arc->StartAngle == 30 * kDegree && arc->EndAngle == 135 * kDegree);
-    EXPECT_EQ(control.ShapePointGetY(number, 2), 135);
 }
 
 // Mirrors and uniform scales carry the centre and the ends along (a mirror swaps them); other scales the radii, as a
