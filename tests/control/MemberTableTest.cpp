@@ -128,7 +128,7 @@ Variant Expected(const std::string& neutral, AutoType type)
     }
 }
 
-class KeyedRows : public ::testing::TestWithParam<const MemberRow*> {
+class NeutralAnswer : public ::testing::TestWithParam<const MemberRow*> {
 protected:
     // A drawing with something on each layer, a selection and colours.
     void SetUp() override
@@ -156,8 +156,6 @@ std::string RowName(const ::testing::TestParamInfo<const MemberRow*>& info)
 {
     return std::string(info.param->name) + (info.param->kind == Kind::PropertyPut ? "_put" : "");
 }
-
-class NeutralAnswer : public KeyedRows {};
 
 // An unknown shape or group number, or a bad layer, is no error: reads give
 // their row's value in members.txt, and nothing at all changes. Group members

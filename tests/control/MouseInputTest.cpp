@@ -89,7 +89,8 @@ const std::map<std::string, Call> kCalls = {
          const Variant zero = Variant::I4(0);
          h.control.Invoke(u"ViewMouseTool", members::Kind::PropertyPut, std::span(&zero, 1), nullptr);
      }},
-    {"ToRectangle", [](Host& h, const Originals&, std::span<const double>) { h.control.PutViewMouseTool(bvxRectangle); }},
+    {"ToRectangle",
+     [](Host& h, const Originals&, std::span<const double>) { h.control.PutViewMouseTool(bvxRectangle); }},
     {"DeleteA", [](Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.a); }},
     {"DeleteB", [](Host& h, const Originals& o, std::span<const double>) { h.control.ShapeDelete(o.b); }},
     {"DeleteNamed", [](Host& h, const Originals&, std::span<const double> a) { h.control.ShapeDelete(int32_t(a[1])); }},

@@ -59,7 +59,8 @@ TEST_F(Repaint, PartialRepaintsEqualAFullOneAfterRandomChanges)
     std::ostringstream log;
     for (int step = 0; step < 600; ++step) {
         const int32_t any = shapes.empty() ? -1 : shapes[rng() % shapes.size()];
-        switch (rng() % 10) {
+        const unsigned what = rng() % 10;
+        switch (what) {
         case 0:
         case 1: {
             const double x = coord(180), y = coord(130);
@@ -70,37 +71,30 @@ TEST_F(Repaint, PartialRepaintsEqualAFullOneAfterRandomChanges)
             control.PutShapePenWidth(n, int16_t(1 + rng() % 2));
             control.PutShapeBrushStyle(n, int16_t(rng() % 8));
             shapes.push_back(n);
-            log << step << ": add " << n << "\n";
             break;
         }
-        case 2: control.ShapeTranslate(any, coord(41) - 20, coord(41) - 20); log << step << ": move " << any << "\n"; break;
+        case 2: control.ShapeTranslate(any, coord(41) - 20, coord(41) - 20); break;
         case 3:
             control.ShapeDelete(any);
             std::erase(shapes, any);
-            log << step << ": delete " << any << "\n";
             break;
         case 4:
             control.PutShapeBrushFg(any, uint32_t(rng() & 0xFFFFFF));
             control.PutShapeBrushMode(any, int16_t(1 + rng() % 2));
             control.PutShapePenStyle(any, int16_t(rng() % 8));
-            log << step << ": restyle " << any << "\n";
             break;
-        case 5: control.ShapeSelect(any, rng() % 2 == 0); log << step << ": select " << any << "\n"; break;
-        case 6: control.ShapeSelect(-1, false); log << step << ": deselect\n"; break;
-        case 7:
-            control.PutLayerAction(2, int16_t(control.GetLayerAction(2) ^ LayerActions::Show));
-            log << step << ": layer 2 shown or hidden\n";
-            break;
-        case 8: control.PutGridOn(!control.GetGridOn()); log << step << ": grid\n"; break;
-        case 9:
-            control.PutGridDrawOrder(int16_t(1 - control.GetGridDrawOrder()));
-            log << step << ": grid order\n";
-            break;
+        case 5: control.ShapeSelect(any, rng() % 2 == 0); break;
+        case 6: control.ShapeSelect(-1, false); break;
+        case 7: control.PutLayerAction(2, int16_t(control.GetLayerAction(2) ^ LayerActions::Show)); break;
+        case 8: control.PutGridOn(!control.GetGridOn()); break;
+        case 9: control.PutGridDrawOrder(int16_t(1 - control.GetGridDrawOrder())); break;
         }
+        const char* const kWhat[] = {"add",     "add",       "move",     "delete",
+                                     "restyle", "select",    "deselect", "show or hide layer 2",
+                                     "grid",    "grid order"};
+        log << step << ": " << kWhat[what] << " " << (what < 2 ? shapes.back() : any) << "\n";
         PaintInvalid();
-        {
-            ASSERT_EQ(DifferingPixels(), 0) << log.str();
-        }
+        ASSERT_EQ(DifferingPixels(), 0) << log.str();
     }
 }
 

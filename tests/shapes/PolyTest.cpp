@@ -4,8 +4,8 @@
 #include "ShapeTestSupport.h"
 
 #include <limits>
-#include <tuple>
 #include <random>
+#include <tuple>
 
 namespace bvx::shapetest {
 namespace {

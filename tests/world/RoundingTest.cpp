@@ -1,5 +1,5 @@
-#include "platform/DataRows.h"
 #include "world/Rounding.h"
+#include "platform/DataRows.h"
 
 #include <gtest/gtest.h>
 
