@@ -53,10 +53,7 @@ void CadControl::Refresh()
 {
     view_.NeedRepaint = true;
     view_.RebuildBackBuffer = true;
-    if (view_.Window)
-        view_.Window->InvalidateRect(nullptr, false);
-    else if (viewSink_)
-        viewSink_->OnViewChange();
+    view_.InvalidateWindow(nullptr, false);
 }
 
 uint32_t CadControl::GetBackColor() { return backColor_; }

@@ -69,7 +69,7 @@ public:
     // frozen control asks and tells the property sinks nothing.
     void AdvisePropertyNotify(PropertyNotifySink* sink);
     void UnadvisePropertyNotify(PropertyNotifySink* sink);
-    void SetViewChangeSink(ViewChangeSink* sink) { viewSink_ = sink; }
+    void SetViewChangeSink(ViewChangeSink* sink) { viewSink_ = view_.ViewSink = sink; }
     void FreezeEvents(bool freeze) { freezeCount_ += freeze ? 1 : (freezeCount_ > 0 ? -1 : 0); }
     // Changed since the container last saved it.
     bool IsDirty() const { return dirty_; }

@@ -30,7 +30,12 @@ CadView::~CadView() = default;
 
 void CadView::InvalidateWindow(const DeviceRect* rect, bool erase)
 {
-    if (Window) Window->InvalidateRect(rect, erase);
+    if (Window) {
+        Window->InvalidateRect(rect, erase);
+    } else if (ViewSink && !ViewChangeTold) {
+        ViewChangeTold = true;
+        ViewSink->OnViewChange();
+    }
 }
 
 void CadView::Redraw(int32_t mode)

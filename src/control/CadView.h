@@ -5,6 +5,7 @@
 #pragma once
 
 #include "CadColorTable.h"
+#include "ContainerNotify.h"
 #include "EventSink.h"
 #include "buffer/CadBuf.h"
 #include "buffer/CadFontTable.h"
@@ -45,6 +46,11 @@ public:
     bool RebuildBackBuffer = true;
     BitmapHandle BackBitmap;
     HostWindow* Window = nullptr;
+    // Told instead of the window while there is none (a container drawing
+    // the control itself); once until the next paint, which is what the
+    // telling asks for.
+    ViewChangeSink* ViewSink = nullptr;
+    bool ViewChangeTold = false;
     uint32_t BackColorCopy = 0xFFFFFF;
     int16_t CurrentTool = 0;
     bool ViewPersistMouseTool = false;
@@ -118,12 +124,14 @@ public:
     // The one event whose values are rounded to the view's precisions.
     void FireWorldMouseMove(int16_t shift, double x, double y, double magnitude, double angle);
 
+    // The window's area, or the view sink when there is no window.
+    void InvalidateWindow(const DeviceRect* rect, bool erase);
+
 private:
     // One shape out of its list, destroyed, with its event; a group's
     // members go with it unannounced.
     bool RemoveShape(CObjShape* shape, bool fireEvent);
     void RepaintBackBuffer(DeviceContext& memory, const DeviceRect& bounds);
-    void InvalidateWindow(const DeviceRect* rect, bool erase);
 };
 
 } // namespace bvx

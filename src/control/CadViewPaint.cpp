@@ -13,6 +13,7 @@ void CadView::Paint(DeviceContext& target, const DeviceRect& clientBounds)
 {
     std::unique_ptr<DeviceContext> memory = target.CreateCompatibleDC();
     if (!memory) return;
+    ViewChangeTold = false;
     const bool sameSize = World.ClientRect == clientBounds;
     if (RebuildBackBuffer || !BackBitmap || !sameSize) {
         BackBitmap = CreateBitmap(WrapToInt32(double(clientBounds.Width())),

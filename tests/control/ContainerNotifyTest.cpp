@@ -2,6 +2,7 @@
 // that changed while the control has no window.
 #include "HostDoubles.h"
 #include "control/CadControl.h"
+#include "platform/raster/RasterDeviceContext.h"
 
 #include <gtest/gtest.h>
 
@@ -47,17 +48,35 @@ TEST(ContainerNotify, BindablePropertiesAskTellAndMayBeRefused)
     EXPECT_EQ(first.heard, (std::vector<std::string>{"request -501"}));
     EXPECT_TRUE(second.heard.empty());
 
-    // Frozen, the property sinks are neither asked nor told.
+    // Frozen, the property sinks are neither asked nor told. The view was
+    // told and not painted since: it isn't told again.
     control.FreezeEvents(true);
     first.heard.clear();
     EXPECT_EQ(control.PutBackColor(0x123456).code, hresult::Ok);
     EXPECT_EQ(control.GetBackColor(), 0x123456u);
-    EXPECT_EQ(first.heard, (std::vector<std::string>{"view", "data"}));
+    EXPECT_EQ(first.heard, (std::vector<std::string>{"data"}));
     control.FreezeEvents(false);
 
     control.UnadvisePropertyNotify(&first);
     EXPECT_EQ(control.PutGridHeight(4).code, hresult::Ok);
     EXPECT_EQ(second.heard, (std::vector<std::string>{"request 122", "changed 122"}));
+}
+
+// Shapes changed with no window tell the view once until the container
+// has the control paint.
+TEST(ContainerNotify, AChangedViewIsToldOnceUntilPainted)
+{
+    CadControl control;
+    RecordingContainer container;
+    control.SetViewChangeSink(&container);
+    RasterDeviceContext dc(CreateBitmap(50, 50));
+    for (int round = 0; round < 2; ++round) {
+        container.heard.clear();
+        const int32_t shape = control.DrawRectangle(1, 1, 5, 5, 1);
+        control.PutShapePenFg(shape, 0xFF);
+        EXPECT_EQ(container.heard, std::vector<std::string>{"view"});
+        control.OnDraw(nullptr, dc, {0, 0, 50, 50});
+    }
 }
 
 // With a window, a refresh invalidates it; the container is not told.

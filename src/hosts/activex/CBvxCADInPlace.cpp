@@ -32,6 +32,9 @@ HRESULT CBvxCAD::InPlaceActivate(IOleClientSite* site, bool uiActivate, const RE
         frame_ = {};
         uiWindow_ = {};
         const HRESULT context = inPlaceSite->GetWindowContext(frame_.Out(), uiWindow_.Out(), &position_, &clip, &frameInfo);
+        // The control answers its window's first messages only once it
+        // knows the window.
+        control_.View().Window = &window_;
         if (FAILED(inPlaceSite->GetWindow(&parent)) || FAILED(context) || !window_.Create(parent, position_)) {
             InPlaceDeactivate();
             return E_FAIL;
@@ -107,6 +110,8 @@ STDMETHODIMP CBvxCAD::InPlaceDeactivate()
     UIDeactivate();
     inPlaceActive_ = false;
     window_.Destroy();
+    // Without a window the control tells the view's changes to the view sink.
+    control_.View().Window = nullptr;
     Ref<IOleInPlaceSite> site = inPlaceSite_;
     inPlaceSite_ = {};
     frame_ = {};
