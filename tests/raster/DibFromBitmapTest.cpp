@@ -2,6 +2,7 @@
 // read back and painted to the same pixels when its colours fit; and how
 // colours are chosen when they do not, or when a palette is given.
 #include "DibTestSupport.h"
+#include "platform/DataRows.h"
 
 #include <gtest/gtest.h>
 
@@ -18,60 +19,45 @@ ColorRef NthColor(int i) { return MakeRgb(uint8_t(i), uint8_t(255 - i), uint8_t(
 
 std::set<ColorRef> ColorsOf(const Bitmap& bitmap) { return {bitmap.Pixels().begin(), bitmap.Pixels().end()}; }
 
-struct FormatCase {
-    int16_t bits;
-    int32_t compression;
-    uint16_t storedBits; // 0: refused
-    DibCompression storedCompression;
-    int colors; // distinct colours drawn; 0: a true-colour gradient
-};
-
-void PrintTo(const FormatCase& c, std::ostream* os) { *os << "bits " << c.bits << " compression " << c.compression; }
-
-class DibFormat : public testing::TestWithParam<FormatCase> {};
-
 // Long runs on the left (some longer than one code holds), noise on the
 // right, and rows that differ so that a flip would show.
-TEST_P(DibFormat, RoundTripsThroughABmpFileOrIsRefused)
+TEST(DibFormat, RoundTripsThroughABmpFileOrIsRefused)
 {
-    const FormatCase& c = GetParam();
-    const BitmapHandle surface = MakeSurface(301, 7, [&c](int32_t x, int32_t y) {
-        if (c.colors == 0) return MakeRgb(uint8_t(x), uint8_t(y * 40), uint8_t(x * y));
-        return NthColor(x < 260 ? y % c.colors : (x * 31 + y * 17) % c.colors);
-    });
-    DibPtr dib = DibFromBitmap(*surface, c.bits, c.compression, nullptr);
-    ASSERT_EQ(dib != nullptr, c.storedBits != 0);
-    if (!dib) return;
-    const DibInfoHeader header = LoadDibInfoHeader(dib->bytes.data());
-    EXPECT_EQ(header.bitCount, c.storedBits);
-    EXPECT_EQ(header.compression, uint32_t(c.storedCompression));
-    EXPECT_EQ(header.sizeImage, DibBits(*dib).size());
+    size_t rows = 0;
+    for (const auto& row : test::DataRows("dib_formats.txt")) {
+        if (row[0] != "format") continue;
+        SCOPED_TRACE(test::Joined(row));
+        ++rows;
+        const int16_t bits = int16_t(std::stoi(row[1]));
+        const uint16_t storedBits = uint16_t(std::stoi(row[3]));
+        const int colors = std::stoi(row[5]);
+        const BitmapHandle surface = MakeSurface(301, 7, [colors](int32_t x, int32_t y) {
+            if (colors == 0) return MakeRgb(uint8_t(x), uint8_t(y * 40), uint8_t(x * y));
+            return NthColor(x < 260 ? y % colors : (x * 31 + y * 17) % colors);
+        });
+        DibPtr dib = DibFromBitmap(*surface, bits, std::stoi(row[2]), nullptr);
+        ASSERT_EQ(dib != nullptr, storedBits != 0);
+        if (!dib) continue;
+        const DibInfoHeader header = LoadDibInfoHeader(dib->bytes.data());
+        EXPECT_EQ(header.bitCount, storedBits);
+        EXPECT_EQ(header.compression, uint32_t(std::stoi(row[4])));
+        EXPECT_EQ(header.sizeImage, DibBits(*dib).size());
 
-    MemorySink sink;
-    ASSERT_TRUE(DibWriteBmp(*dib, sink));
-    const Bytes& file = sink.Bytes();
-    ASSERT_GT(file.size(), kBmpFileHeaderSize);
-    EXPECT_EQ(LoadLe32(file.data() + 2), file.size());
-    EXPECT_EQ(LoadLe32(file.data() + 10), kBmpFileHeaderSize + kDibInfoHeaderSize + DibPaletteSize(*dib));
-    MemorySource source(file);
-    const DibPtr back = DibReadBlock(source, false);
-    ASSERT_TRUE(back);
-    EXPECT_EQ(back->bytes, dib->bytes);
-    const BitmapHandle painted = test::PaintWhole(*back);
-    EXPECT_TRUE(std::equal(painted->Pixels().begin(), painted->Pixels().end(), surface->Pixels().begin()));
+        MemorySink sink;
+        ASSERT_TRUE(DibWriteBmp(*dib, sink));
+        const Bytes& file = sink.Bytes();
+        ASSERT_GT(file.size(), kBmpFileHeaderSize);
+        EXPECT_EQ(LoadLe32(file.data() + 2), file.size());
+        EXPECT_EQ(LoadLe32(file.data() + 10), kBmpFileHeaderSize + kDibInfoHeaderSize + DibPaletteSize(*dib));
+        MemorySource source(file);
+        const DibPtr back = DibReadBlock(source, false);
+        ASSERT_TRUE(back);
+        EXPECT_EQ(back->bytes, dib->bytes);
+        const BitmapHandle painted = test::PaintWhole(*back);
+        EXPECT_TRUE(std::equal(painted->Pixels().begin(), painted->Pixels().end(), surface->Pixels().begin()));
+    }
+    EXPECT_EQ(rows, 21u);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, DibFormat,
-    testing::Values(FormatCase{1, 0, 1, DibCompression::Rgb, 2}, FormatCase{4, 0, 4, DibCompression::Rgb, 16},
-                    FormatCase{4, 2, 4, DibCompression::Rle4, 16}, FormatCase{0, 2, 4, DibCompression::Rle4, 5},
-                    FormatCase{8, 0, 8, DibCompression::Rgb, 256}, FormatCase{8, 1, 8, DibCompression::Rle8, 200},
-                    FormatCase{0, 1, 8, DibCompression::Rle8, 3}, FormatCase{24, 0, 24, DibCompression::Rgb, 0},
-                    FormatCase{0, 0, 0, {}, 2}, FormatCase{0, 3, 0, {}, 2}, FormatCase{1, 1, 0, {}, 2},
-                    FormatCase{4, 1, 0, {}, 2}, FormatCase{8, 2, 0, {}, 2}, FormatCase{24, 1, 0, {}, 2},
-                    FormatCase{-1, 0, 0, {}, 2}, FormatCase{-4, 0, 0, {}, 2}, FormatCase{-8, 0, 0, {}, 2},
-                    FormatCase{-24, 0, 0, {}, 2}, FormatCase{16, 0, 0, {}, 2}, FormatCase{32, 0, 0, {}, 2},
-                    FormatCase{2, 0, 0, {}, 2}));
 
 TEST(DibFormat, RunLengthCodingIsShorterForRuns)
 {
@@ -84,47 +70,43 @@ TEST(DibFormat, RunLengthCodingIsShorterForRuns)
     }
 }
 
-struct ColorCase {
-    int16_t bits;
-    int colors;         // distinct colours drawn, far from any fixed table
-    ColorRef drawn = 0; // else one probe colour among more than fit...
-    ColorRef expected = 0; // ...and the colour it must come back as
-};
-
-class DibColors : public testing::TestWithParam<ColorCase> {};
-
-TEST_P(DibColors, KeepTheDrawnOnesOrTheNearestStandardOne)
+TEST(DibColors, KeepTheDrawnOnesOrTheNearestStandardOne)
 {
-    const ColorCase& c = GetParam();
-    const BitmapHandle surface = MakeSurface(37, 9, [&c](int32_t x, int32_t y) {
-        if (c.colors == 0) return x + y == 0 ? c.drawn : MakeRgb(uint8_t(60 + x), uint8_t(60 + 2 * x + y), 90);
-        const int i = (x * 7 + y * 3) % c.colors;
-        return MakeRgb(uint8_t(i), uint8_t(3 + i / 2), uint8_t(77));
-    });
-    const DibPtr dib = DibFromBitmap(*surface, c.bits, 0, nullptr);
-    ASSERT_TRUE(dib);
-    const BitmapHandle painted = test::PaintWhole(*dib);
-    if (c.colors == 0) {
-        EXPECT_EQ(painted->Pixel(0, 0), c.expected);
-        return;
+    size_t rows = 0;
+    for (const auto& row : test::DataRows("dib_formats.txt")) {
+        if (row[0] == "format") continue;
+        SCOPED_TRACE(test::Joined(row));
+        ++rows;
+        const int16_t bits = int16_t(std::stoi(row[1]));
+        auto rgb = [&row](size_t i) {
+            return MakeRgb(uint8_t(std::stoi(row[i])), uint8_t(std::stoi(row[i + 1])), uint8_t(std::stoi(row[i + 2])));
+        };
+        if (row[0] == "nearest") {
+            const ColorRef drawn = rgb(2);
+            const BitmapHandle surface = MakeSurface(37, 9, [drawn](int32_t x, int32_t y) {
+                return x + y == 0 ? drawn : MakeRgb(uint8_t(60 + x), uint8_t(60 + 2 * x + y), 90);
+            });
+            const DibPtr dib = DibFromBitmap(*surface, bits, 0, nullptr);
+            ASSERT_TRUE(dib);
+            EXPECT_EQ(test::PaintWhole(*dib)->Pixel(0, 0), rgb(5));
+            continue;
+        }
+        const int colors = std::stoi(row[2]);
+        const BitmapHandle surface = MakeSurface(37, 9, [colors](int32_t x, int32_t y) {
+            const int i = (x * 7 + y * 3) % colors;
+            return MakeRgb(uint8_t(i), uint8_t(3 + i / 2), uint8_t(77));
+        });
+        const DibPtr dib = DibFromBitmap(*surface, bits, 0, nullptr);
+        ASSERT_TRUE(dib);
+        const Palette palette = DibToPalette(dib.get());
+        ASSERT_EQ(palette.entries.size(), size_t(1) << bits);
+        std::set<ColorRef> table;
+        for (size_t i = 0; i < size_t(colors); ++i) table.insert(palette.entries[i].Color());
+        EXPECT_EQ(table, ColorsOf(*surface));
+        EXPECT_EQ(ColorsOf(*test::PaintWhole(*dib)), ColorsOf(*surface));
     }
-    const Palette palette = DibToPalette(dib.get());
-    ASSERT_EQ(palette.entries.size(), size_t(1) << c.bits);
-    std::set<ColorRef> table;
-    for (size_t i = 0; i < size_t(c.colors); ++i) table.insert(palette.entries[i].Color());
-    EXPECT_EQ(table, ColorsOf(*surface));
-    EXPECT_EQ(ColorsOf(*painted), ColorsOf(*surface));
+    EXPECT_EQ(rows, 11u);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, DibColors,
-    testing::Values(ColorCase{1, 2}, ColorCase{4, 11}, ColorCase{4, 16}, ColorCase{8, 256},
-                    ColorCase{1, 0, MakeRgb(40, 40, 40), kBlack}, ColorCase{1, 0, MakeRgb(250, 0, 0), kBlack},
-                    ColorCase{1, 0, MakeRgb(200, 190, 210), kWhite},
-                    ColorCase{4, 0, MakeRgb(250, 10, 10), MakeRgb(255, 0, 0)},
-                    ColorCase{4, 0, MakeRgb(130, 125, 0), MakeRgb(128, 128, 0)},
-                    ColorCase{4, 0, MakeRgb(190, 190, 200), MakeRgb(192, 192, 192)},
-                    ColorCase{4, 0, MakeRgb(0, 20, 140), MakeRgb(0, 0, 128)}));
 
 TEST(DibColors, MedianCutReducesManyColoursCloselyAndRepeatably)
 {
