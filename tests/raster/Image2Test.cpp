@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <numeric>
+#include <tuple>
 
 namespace bvx {
 namespace {
@@ -79,39 +80,29 @@ TEST(Image2Output, CountsWithoutAFileForTheNullNameAndWritesRealFiles)
     std::filesystem::remove(path);
 }
 
-struct FailureCase {
-    const char* name;
-    int failFrom;
-    bool failFlush;
-    size_t bytes;                   // written before flushing and closing; SIZE_MAX: none, no flush
-    std::vector<std::string> shown; // every message the reporter gets
-};
-
-void PrintTo(const FailureCase& c, std::ostream* os) { *os << c.name; }
-
-class Image2Failure : public testing::TestWithParam<FailureCase> {};
-
-TEST_P(Image2Failure, ReportsItsCodes)
+// Writes failing from the given one on, a failing flush, the bytes written before flushing and closing (SIZE_MAX:
+// none, and no flush), and every message the reporter gets.
+TEST(Image2Failure, ReportsItsCodes)
 {
-    const FailureCase& c = GetParam();
-    std::vector<std::string> shown;
-    const ErrorReporter previous = SetErrorReporter([&shown](const std::string& m) { shown.push_back(m); });
-    std::vector<size_t> writes;
-    std::vector<uint8_t> bytes;
-    Image2 image;
-    ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(writes, bytes, c.failFrom, c.failFlush)));
-    if (c.bytes != SIZE_MAX && image.WriteBytes(Sequence(c.bytes))) image.FlushOutput();
-    image.CloseOutput();
-    SetErrorReporter(previous);
-    EXPECT_EQ(shown, c.shown);
-    EXPECT_NE(image.Error(), 0);
+    const std::tuple<const char*, int, bool, size_t, std::vector<std::string>> rows[] = {
+        {"buffer write", 0, false, 6000, {"Error 4"}},
+        {"final flush", 0, false, 100, {"Error 5"}},
+        {"flush to disk", -1, true, 100, {"Error 5", "Error 2"}},
+        {"close alone", -1, true, SIZE_MAX, {"Error 2"}}};
+    for (const auto& [name, failFrom, failFlush, count, expected] : rows) {
+        std::vector<std::string> shown;
+        const ErrorReporter previous = SetErrorReporter([&shown](const std::string& m) { shown.push_back(m); });
+        std::vector<size_t> writes;
+        std::vector<uint8_t> bytes;
+        Image2 image;
+        ASSERT_TRUE(image.OpenOutput(std::make_unique<RecordingSink>(writes, bytes, failFrom, failFlush)));
+        if (count != SIZE_MAX && image.WriteBytes(Sequence(count))) image.FlushOutput();
+        image.CloseOutput();
+        SetErrorReporter(previous);
+        EXPECT_EQ(shown, expected) << name;
+        EXPECT_NE(image.Error(), 0) << name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, Image2Failure,
-                         testing::Values(FailureCase{"buffer write", 0, false, 6000, {"Error 4"}},
-                                         FailureCase{"final flush", 0, false, 100, {"Error 5"}},
-                                         FailureCase{"flush to disk", -1, true, 100, {"Error 5", "Error 2"}},
-                                         FailureCase{"close alone", -1, true, SIZE_MAX, {"Error 2"}}));
 
 TEST(Image2Errors, UncreatableFileAndBaseClassOperations)
 {
