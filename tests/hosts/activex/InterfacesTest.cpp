@@ -23,7 +23,11 @@ const Named kInterfaces[] = {
     {"IObjectSafety", &IID_IObjectSafety}, {"ISpecifyPropertyPages", &IID_ISpecifyPropertyPages},
     {"IPerPropertyBrowsing", &IID_IPerPropertyBrowsing}, {"IPersist", &IID_IPersist},
     {"IPersistStreamInit", &IID_IPersistStreamInit}, {"IPersistPropertyBag", &IID_IPersistPropertyBag},
-    {"IPersistStorage", &IID_IPersistStorage},
+    {"IPersistStorage", &IID_IPersistStorage}, {"IOleWindow", &IID_IOleWindow},
+    {"IOleInPlaceObject", &IID_IOleInPlaceObject}, {"IOleInPlaceObjectWindowless", &IID_IOleInPlaceObjectWindowless},
+    {"IOleInPlaceActiveObject", &IID_IOleInPlaceActiveObject}, {"IViewObject", &IID_IViewObject},
+    {"IViewObject2", &IID_IViewObject2}, {"IViewObjectEx", &IID_IViewObjectEx},
+    {"IDataObject", &IID_IDataObject}, {"IQuickActivate", &IID_IQuickActivate},
 };
 
 TEST(Interfaces, EachAnswersAndLeadsBackToOneIdentity)
@@ -189,6 +193,93 @@ TEST(Interfaces, ConnectionPointsForEventsAndPropertyNotices)
     EXPECT_TRUE(IsEqualIID(found[1], IID_IPropertyNotifySink));
     Ref<IConnectionPoint> none;
     EXPECT_EQ(container->FindConnectionPoint(IID_IClassFactory, none.Out()), CONNECT_E_NOCONNECTION);
+}
+
+// What a container may ask before it activates the control: no window yet,
+// the view's status, hit tests and a picture in any device context, no data
+// formats, and quick activation connecting its sinks in one call.
+TEST(Interfaces, AnInactiveControlsViewDataAndQuickActivation)
+{
+    Ref<IBvxCAD> control = NewControl();
+    HWND window = reinterpret_cast<HWND>(1);
+    EXPECT_EQ(As<IOleWindow>(control.get(), IID_IOleWindow)->GetWindow(&window), E_FAIL);
+    EXPECT_EQ(window, nullptr);
+    Ref<IOleObject> ole = As<IOleObject>(control.get(), IID_IOleObject);
+    EXPECT_EQ(ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, nullptr, 0, nullptr, nullptr), E_NOINTERFACE);
+    EXPECT_EQ(ole->DoVerb(OLEIVERB_PROPERTIES, nullptr, nullptr, 0, nullptr, nullptr), E_NOTIMPL);
+
+    Ref<IViewObjectEx> view = As<IViewObjectEx>(control.get(), IID_IViewObjectEx);
+    DWORD status = 0;
+    EXPECT_EQ(view->GetViewStatus(&status), S_OK);
+    EXPECT_EQ(status, DWORD(VIEWSTATUS_OPAQUE | VIEWSTATUS_SOLIDBKGND));
+    const RECT bounds{10, 10, 30, 20};
+    // The rectangle tested is the pixel left of and above the point.
+    const struct {
+        POINT point;
+        DWORD pointHit, rectHit;
+    } kHits[] = {{{10, 10}, HITRESULT_HIT, HITRESULT_OUTSIDE},
+                 {{29, 19}, HITRESULT_HIT, HITRESULT_HIT},
+                 {{30, 15}, HITRESULT_OUTSIDE, HITRESULT_HIT},
+                 {{5, 15}, HITRESULT_OUTSIDE, HITRESULT_OUTSIDE}};
+    for (const auto& row : kHits) {
+        DWORD result = 99;
+        EXPECT_EQ(view->QueryHitPoint(DVASPECT_CONTENT, &bounds, row.point, 0, &result), S_OK);
+        EXPECT_EQ(result, row.pointHit) << row.point.x << "," << row.point.y;
+        const RECT around{row.point.x - 1, row.point.y - 1, row.point.x, row.point.y};
+        EXPECT_EQ(view->QueryHitRect(DVASPECT_CONTENT, &bounds, &around, 0, &result), S_OK);
+        EXPECT_EQ(result, row.rectHit) << row.point.x << "," << row.point.y;
+    }
+    SIZEL extent{};
+    EXPECT_EQ(view->GetExtent(DVASPECT_CONTENT, -1, nullptr, &extent), S_OK);
+    EXPECT_EQ(extent.cx, 5080);
+
+    // The picture of an empty drawing is its back colour, placed at the bounds.
+    EXPECT_EQ(Put(control.get(), L"BackColor", Value::I4(0x123456)).hr, S_OK);
+    HDC memory = CreateCompatibleDC(nullptr);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), 40, -30, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    HGDIOBJ previous = SelectObject(memory, bitmap);
+    const RECTL drawn{10, 10, 30, 20};
+    EXPECT_EQ(view->Draw(DVASPECT_ICON, -1, nullptr, nullptr, nullptr, memory, &drawn, nullptr, nullptr, 0), DV_E_DVASPECT);
+    EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, nullptr, &drawn, nullptr, nullptr, 0), E_INVALIDARG);
+    EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, memory, &drawn, nullptr, nullptr, 0), S_OK);
+    const auto* pixels = static_cast<const uint32_t*>(bits);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 40; ++x)
+            ASSERT_EQ(pixels[y * 40 + x], x >= 10 && x < 30 && y >= 10 && y < 20 ? 0x563412u : 0u) << x << "," << y;
+    SelectObject(memory, previous);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+
+    Ref<IDataObject> data = As<IDataObject>(control.get(), IID_IDataObject);
+    FORMATETC metafile{CF_ENHMETAFILE, nullptr, DVASPECT_CONTENT, -1, TYMED_ENHMF};
+    STGMEDIUM medium{};
+    EXPECT_EQ(data->QueryGetData(&metafile), DV_E_FORMATETC);
+    EXPECT_EQ(data->GetData(&metafile, &medium), DV_E_FORMATETC);
+    DWORD cookie = 1;
+    EXPECT_EQ(data->DAdvise(&metafile, 0, nullptr, &cookie), OLE_E_ADVISENOTSUPPORTED);
+
+    Ref<PropertyLog> notices(PropertyLog::Create());
+    QACONTAINER container{};
+    container.cbSize = sizeof container;
+    container.pPropertyNotifySink = notices.get();
+    QACONTROL answer{};
+    answer.cbSize = sizeof answer;
+    Ref<IQuickActivate> quick = As<IQuickActivate>(control.get(), IID_IQuickActivate);
+    ASSERT_EQ(quick->QuickActivate(&container, &answer), S_OK);
+    EXPECT_EQ(answer.dwMiscStatus, 0x20191u);
+    EXPECT_EQ(answer.dwViewStatus, status);
+    EXPECT_NE(answer.dwPropNotifyCookie, 0u);
+    EXPECT_EQ(Put(control.get(), L"BackColor", Value::I4(0x654321)).hr, S_OK);
+    EXPECT_EQ(notices->heard, (std::vector<std::string>{"request -501", "changed -501"}));
+    SIZEL content{1000, 2000};
+    EXPECT_EQ(quick->SetContentExtent(&content), S_OK);
+    EXPECT_EQ(quick->GetContentExtent(&extent), S_OK);
+    EXPECT_EQ(extent.cy, 2000);
+    container.cbSize = 4;
+    EXPECT_EQ(quick->QuickActivate(&container, &answer), E_INVALIDARG);
 }
 
 } // namespace
