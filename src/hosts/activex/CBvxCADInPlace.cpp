@@ -71,7 +71,12 @@ STDMETHODIMP CBvxCAD::DoVerb(LONG verb, LPMSG, IOleClientSite* site, LONG, HWND,
     case OLEIVERB_PRIMARY:
     case OLEIVERB_UIACTIVATE: return InPlaceActivate(site, true, position);
     case OLEIVERB_SHOW:
-    case OLEIVERB_OPEN:
+    case OLEIVERB_OPEN: {
+        HRESULT hr = InPlaceActivate(site, false, position);
+        // The container brings the shown object into view.
+        if (SUCCEEDED(hr) && site_) site_->ShowObject();
+        return hr;
+    }
     case OLEIVERB_INPLACEACTIVATE: return InPlaceActivate(site, false, position);
     case OLEIVERB_HIDE:
         UIDeactivate();
