@@ -52,14 +52,11 @@ struct Box {
     void Take(WorldPoint p) { l = std::min(l, p.x), t = std::min(t, p.y), r = std::max(r, p.x), b = std::max(b, p.y); }
 };
 
-// `n` points of an upright ellipse `step` apart in the eccentric angle, from angle 0 (a whole turn by default).
-inline Pts EllipseSamples(WorldPoint c, double rx, double ry, int n, double step = 0)
+// `n` points of an upright ellipse evenly spaced in the eccentric angle, from angle 0.
+inline Pts EllipseSamples(WorldPoint c, double rx, double ry, int n)
 {
     Pts p;
-    for (int i = 0; i < n; ++i) {
-        const double t = step ? i * step : i * kTwoPi / n;
-        p.push_back({c.x + rx * std::cos(t), c.y + ry * std::sin(t)});
-    }
+    for (int i = 0; i < n; ++i) p.push_back({c.x + rx * std::cos(i * kTwoPi / n), c.y + ry * std::sin(i * kTwoPi / n)});
     return p;
 }
 inline double ToNearest(const Pts& samples, WorldPoint p)
