@@ -120,10 +120,18 @@ std::wstring CliPath()
 
 } // namespace
 
+namespace {
+// The object the frame was handed last; a form's loop offers it each message
+// first, as a container's does.
+Ref<IOleInPlaceActiveObject> activeObject;
+} // namespace
+
 void Pump()
 {
     MSG m;
     while (PeekMessageW(&m, nullptr, 0, 0, PM_REMOVE)) {
+        if (Ref<IOleInPlaceActiveObject> active = activeObject; active && active->TranslateAccelerator(&m) == S_OK)
+            continue;
         TranslateMessage(&m);
         DispatchMessageW(&m);
     }
@@ -206,6 +214,7 @@ STDMETHODIMP Site::OnPosRectChange(LPCRECT position)
 STDMETHODIMP Site::SetActiveObject(IOleInPlaceActiveObject* object, LPCOLESTR)
 {
     Note(object ? "SetActiveObject" : "SetActiveObject(null)");
+    activeObject = Ref<IOleInPlaceActiveObject>::Share(object);
     return S_OK;
 }
 
