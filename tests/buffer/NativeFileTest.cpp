@@ -566,24 +566,23 @@ bool FailsWithinMemory(const std::function<bool()>& load)
 TEST_F(NativeFileTest, LyingCountsAndUnknownTypesEndTheLoad)
 {
     const ShapeAttr pens = ShapeAttr::Default();
+    const int32_t kHuge = 0x7FFFFFFF;
+    const Layout oneLayer = Layout().Field("BvxCAD.2.52_B", 14).I16(1);
     // A file of one layer: a rectangle, then what the case puts after it.
     const auto file = [&](const std::function<void(Layout&)>& after, int32_t shapes = 2) {
-        Layout f;
-        f.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(1).U32(0xFF);
-        f.List("L", 0, 15, {}, &pens, shapes);
-        f.Head(1, 1, 0, "", 0, nullptr).Pt(0, 0).Pt(1, 1).Pt(0, 0).I16(-1);
-        after(f);
+        Layout f = oneLayer;
+        f.I32(0).I32(1).U32(0xFF).List("L", 0, 15, {}, &pens, shapes);
+        after(f.Head(1, 1, 0, "", 0, nullptr).Pt(0, 0).Pt(1, 1).Pt(0, 0).I16(-1));
         return f.bytes;
     };
-    const int32_t kHuge = 0x7FFFFFFF;
     struct Case {
         const char* what;
         std::vector<uint8_t> bytes;
         int32_t kept = 1; // shapes on the file's layer before the lie; -1: no layer made
-
     };
-    const std::vector<Case> cases = {
+    const std::vector<Case> all = {
         {"a shape count", file([](Layout&) {}, kHuge)},
+        {"a negative shape count", file([](Layout&) {}, -1), 0},
         {"a poly's points", file([](Layout& f) { f.Head(6, 6, 0, "", 0, nullptr).Le(uint16_t(0xFFFF), 2).Pt(1, 1); })},
         {"a note's size", file([&](Layout& f) { f.Le(uint16_t(17), 2).U8(17).I32(0).I32(kHuge).Field("x", 8); })},
         {"a negative note", file([&](Layout& f) { f.Le(uint16_t(17), 2).U8(17).I32(0).I32(-5).Field("x", 8); })},
@@ -596,29 +595,15 @@ TEST_F(NativeFileTest, LyingCountsAndUnknownTypesEndTheLoad)
         {"type 16", file([](Layout& f) { f.Le(uint16_t(16), 2).Field("", 64); })},
         {"type 21", file([](Layout& f) { f.Le(uint16_t(21), 2).Field("", 64); })},
         {"type 65535", file([](Layout& f) { f.Le(uint16_t(65535), 2).Field("", 64); })},
+        {"a negative layer count", Layout().Field("BvxCAD.2.52_B", 14).I16(-1).I32(0).I32(0).bytes, -1},
+        {"the picture count", Layout(oneLayer).I32(kHuge).bytes, -1},
+        {"a bitmap's size", Layout(oneLayer).I32(1).Name("a.bmp").U32(0xFFFFFFF0).Field("BM", 14).bytes, -1},
+        {"the colour count", Layout(oneLayer).I32(0).I32(kHuge).U32(1).bytes, -1},
+        {"a layer name", Layout(oneLayer).I32(0).I32(0).I32(kHuge).Field("L", 4).bytes, 0},
+        {"a font's face", Layout().Field("BvxCAD.2.52_A", 14).I16(2).Field("", 27).I16(0x7FFF).U8(1).Field("", 28)
+                              .I32(kHuge).Field("Arial", 8).bytes, -1},
+        {"groups nested deeper than they are", NestedGroups(3000, 2).bytes, 1},
     };
-    Layout table;
-    table.Field("BvxCAD.2.52_B", 14).I16(1).I32(kHuge);
-    Layout bitmap;
-    bitmap.Field("BvxCAD.2.52_B", 14).I16(1).I32(1).Name("a.bmp").U32(0xFFFFFFF0).Field("BM", 14);
-    Layout colours;
-    colours.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(kHuge).U32(1);
-    Layout layerName;
-    layerName.Field("BvxCAD.2.52_B", 14).I16(1).I32(0).I32(0).I32(kHuge).Field("L", 4);
-    Layout fonts;
-    fonts.Field("BvxCAD.2.52_A", 14).I16(2).Field("", 27).I16(0x7FFF).U8(1).Field("", 28).I32(kHuge).Field("Arial", 8);
-    Layout negativeLayers;
-    negativeLayers.Field("BvxCAD.2.52_B", 14).I16(-1).I32(0).I32(0);
-    std::vector<Case> all = cases;
-    all.push_back({"a negative shape count", file([](Layout&) {}, -1), 0});
-    all.push_back({"a negative layer count", negativeLayers.bytes, -1});
-    all.push_back({"the picture count", table.bytes, -1});
-    all.push_back({"a bitmap's size", bitmap.bytes, -1});
-    all.push_back({"the colour count", colours.bytes, -1});
-    all.push_back({"a layer name", layerName.bytes, 0});
-    all.push_back({"a font's face", fonts.bytes, -1});
-    all.push_back({"groups nested deeper than they are", NestedGroups(3000, 2).bytes, 1});
-
     for (const Case& lie : all) {
         SCOPED_TRACE(lie.what);
         PutFileBytes(dir / "lie.bvx", lie.bytes);
