@@ -58,23 +58,6 @@ TEST_F(Buf, SelectionRules)
     EXPECT_FALSE(view.Buf.Deselect(nullptr));
 }
 
-TEST_F(Buf, SelectInRectSkipsLayersWithoutFindButNotWithoutShow)
-{
-    view.Buf.AddLayer(u"Hidden");
-    view.Buf.AddLayer(u"Locked");
-    auto* shown = AddRect(10, 10, 20, 20, 1);
-    auto* hidden = AddRect(10, 10, 20, 20, 2);
-    auto* locked = AddRect(10, 10, 20, 20, 3);
-    view.Buf.Layers[2]->SetAction(LayerActions::Find);
-    view.Buf.Layers[3]->SetAction(LayerActions::Show);
-    sink.events.clear();
-    view.Buf.SelectInRect({0, 0, 101, 101}, false, view);
-    EXPECT_TRUE(shown->Selected);
-    EXPECT_TRUE(hidden->Selected);
-    EXPECT_FALSE(locked->Selected);
-    EXPECT_EQ(sink.events, (std::vector<std::string>{"ShapeNumberSelected 1 1", "ShapeNumberSelected 1 2"}));
-}
-
 TEST_F(Buf, HitTestSearchesFromTheTopLayerAndHonoursShowAndFind)
 {
     view.Buf.AddLayer(u"Top");
