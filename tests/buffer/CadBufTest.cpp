@@ -7,25 +7,6 @@ namespace {
 
 using Buf = testing::ViewFixture;
 
-TEST_F(Buf, RemovingALayerForgetsItsShapesAndKeepsOthersReachable)
-{
-    view.Buf.AddLayer(u"Two");
-    view.Buf.AddLayer(u"Three");
-    auto* onTwo = AddRect(0, 0, 5, 5, 2);
-    auto* onThree = AddRect(0, 0, 5, 5, 3);
-    int32_t n3 = onThree->Number;
-    view.Buf.Select(onTwo);
-    ASSERT_TRUE(view.Buf.RemoveLayer(2, view));
-    EXPECT_EQ(view.Buf.FindShape(1), nullptr);
-    EXPECT_TRUE(view.Buf.Selection.empty());
-    // The shape above keeps its old layer number, but stays reachable.
-    CObjShape* kept = view.Buf.FindShape(n3);
-    ASSERT_TRUE(kept);
-    EXPECT_EQ(kept->Layer, 3);
-    EXPECT_EQ(view.Buf.GetZOrder(kept), 0);
-    EXPECT_TRUE(view.DeleteShape(kept, true));
-}
-
 // What a copy holds is a script case (layer_copy); here, that copying onto
 // a layer leaves no trace of the shapes it held.
 TEST_F(Buf, CopyingOntoALayerLeavesTheDrawingConsistent)
