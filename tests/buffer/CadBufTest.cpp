@@ -1,6 +1,5 @@
 #include "control/ViewFixture.h"
 
-#include <array>
 
 namespace bvx {
 namespace {
@@ -85,20 +84,6 @@ TEST_F(Buf, ClearAllEmptiesEverythingUntilReset)
     view.Buf.Reset();
     EXPECT_EQ(view.Buf.Layers.size(), 2u);
     EXPECT_EQ(AddRect(0, 0, 1, 1)->Number, 1);
-}
-
-TEST_F(Buf, SearchMethodTableRefusesTypesWithoutAnInside)
-{
-    CadLayer& layer = *view.Buf.Layers[1];
-    // Types 3 and 21 have no inside; of the value only the low two bits count.
-    for (auto [type, set, got] : {std::array{3, 1, 0}, {1, 5, 1}, {21, 1, 0}}) {
-        layer.SetSearchMethod(type, set);
-        EXPECT_EQ(layer.GetSearchMethod(type), got) << type;
-    }
-    // A new shape takes its type's entry from its layer; a line never does.
-    layer.SetSearchMethod(20, 1);
-    EXPECT_EQ(AddEllipse(5, 5, 2, 2)->GetSearchMethod(), 1);
-    EXPECT_EQ(AddRect(0, 0, 1, 1, 1, bvxLine)->GetSearchMethod(), 0);
 }
 
 } // namespace
