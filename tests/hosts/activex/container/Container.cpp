@@ -46,24 +46,16 @@ std::string IidName(REFIID riid)
     return Narrow(text);
 }
 
-// The default source interface of the control's class, from its type information.
-Ref<ITypeInfo> EventTypeInfo(IUnknown* control)
+// The type information of the control's event interface, from its class's library.
+Ref<ITypeInfo> EventTypeInfo(IUnknown* control, REFIID source)
 {
     Ref<IProvideClassInfo> info = As<IProvideClassInfo>(control, IID_IProvideClassInfo);
     Ref<ITypeInfo> coclass, events;
-    if (!info || FAILED(info->GetClassInfo(coclass.Out()))) return events;
-    TYPEATTR* attr = nullptr;
-    if (FAILED(coclass->GetTypeAttr(&attr))) return events;
-    const UINT count = attr->cImplTypes;
-    coclass->ReleaseTypeAttr(attr);
-    for (UINT i = 0; i < count; ++i) {
-        INT flags = 0;
-        HREFTYPE ref = 0;
-        if (SUCCEEDED(coclass->GetImplTypeFlags(i, &flags)) &&
-            flags == (IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE) &&
-            SUCCEEDED(coclass->GetRefTypeOfImplType(i, &ref)))
-            coclass->GetRefTypeInfo(ref, events.Out());
-    }
+    Ref<ITypeLib> library;
+    UINT index = 0;
+    if (info && SUCCEEDED(info->GetClassInfo(coclass.Out())) &&
+        SUCCEEDED(coclass->GetContainingTypeLib(library.Out(), &index)))
+        library->GetTypeInfoOfGuid(source, events.Out());
     return events;
 }
 
@@ -267,7 +259,7 @@ Embedded::Embedded(HWND form, RECT rect) : form_(form)
     IID source{};
     Ref<IProvideClassInfo2> info = As<IProvideClassInfo2>(control.get(), IID_IProvideClassInfo2);
     EXPECT_TRUE(info && info->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &source) == S_OK);
-    events = Ref<EventRecorder>(EventRecorder::Create(EventTypeInfo(control.get())));
+    events = Ref<EventRecorder>(EventRecorder::Create(EventTypeInfo(control.get(), source)));
     point_ = PointFor(control.get(), source);
     if (point_) {
         EXPECT_EQ(point_->Advise(events.get(), &cookie_), S_OK);

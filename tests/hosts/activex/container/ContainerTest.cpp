@@ -50,11 +50,13 @@ class Container : public testing::Test {
 protected:
     Form form{400, 300};
 
-    // The window painted once: the control fires events only after that.
-    static void Painted(const Embedded& e)
+    // Activated, and its window painted once: the control fires events only after that.
+    static testing::AssertionResult Shown(const Embedded& e)
     {
+        if (e.activated != S_OK) return testing::AssertionFailure() << "activation failed: " << HexCode(e.activated);
         UpdateWindow(e.hwnd);
         Pump();
+        return testing::AssertionSuccess();
     }
 };
 
@@ -83,7 +85,7 @@ TEST_F(Container, InPlaceActivationMakesAPaintedChildOfTheFormAndDeactivationTak
                     {Value::R8(10), Value::R8(10), Value::R8(50), Value::R8(40), Value::I2(1)})
             .hr;
     };
-    Painted(e);
+    ASSERT_TRUE(Shown(e));
     EXPECT_EQ(drawn(), S_OK);
     EXPECT_TRUE(GetUpdateRect(e.hwnd, nullptr, FALSE));
     EXPECT_EQ(Normalized(e.events->Take()), std::vector<std::string>{"ShapeNumberAdded(ShapeType=1, ShapeNumber=1)"});
@@ -143,8 +145,7 @@ TEST_F(Container, AMouseDrawnRectangleMovedAndDeletedFiresWhatTheCommandLineHost
     ASSERT_EQ(cli.exitCode, 0u) << cli.output;
 
     Embedded e(form.Handle(), kSquare);
-    ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
-    Painted(e);
+    ASSERT_TRUE(Shown(e));
     Write(e.control.get(), L"ViewMouseTool", bvxRectangle);
     e.events->Take();
     double cornerX = 0, cornerY = 0;
@@ -198,8 +199,7 @@ TEST_F(Container, TheToolMenuOfARightPressIsCancelledOrAnsweredFromTheQueue)
         {"second item", {Key(WM_KEYDOWN, VK_DOWN), Key(WM_KEYDOWN, VK_DOWN), Key(WM_KEYDOWN, VK_RETURN)}, bvxPan},
     };
     Embedded e(form.Handle(), kSquare);
-    ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
-    Painted(e);
+    ASSERT_TRUE(Shown(e));
     Write(e.control.get(), L"ViewSnapToGrid", 0);
     Write(e.control.get(), L"ViewSnapToShape", 0);
     for (const MenuAnswer& answer : answers) {
@@ -225,11 +225,9 @@ TEST_F(Container, TheToolMenuOfARightPressIsCancelledOrAnsweredFromTheQueue)
 TEST_F(Container, TwoControlsOnOneFormKeepTheirOwnDrawingToolAndCapture)
 {
     Embedded a(form.Handle(), kSquare), b(form.Handle(), RECT{150, 0, 150 + kSide, kSide});
-    ASSERT_EQ(a.activated, S_OK) << HexCode(a.activated);
-    ASSERT_EQ(b.activated, S_OK) << HexCode(b.activated);
+    ASSERT_TRUE(Shown(a));
+    ASSERT_TRUE(Shown(b));
     ASSERT_NE(a.hwnd, b.hwnd);
-    Painted(a);
-    Painted(b);
     Write(a.control.get(), L"ViewMouseTool", bvxRectangle);
     Write(b.control.get(), L"ViewMouseTool", bvxEllipse);
     a.events->Take();
@@ -267,8 +265,7 @@ TEST_F(Container, AContainerReleasingTheControlInsideAnEventLeavesTheRoadSafe)
     for (const char* during : {"DrawBegin", "ShapeNumberAdded", "WorldMouseUp", "Click", "DrawEnd"}) {
         SCOPED_TRACE(during);
         auto e = std::make_unique<Embedded>(form.Handle(), kSquare);
-        ASSERT_EQ(e->activated, S_OK) << HexCode(e->activated);
-        Painted(*e);
+        ASSERT_TRUE(Shown(*e));
         Write(e->control.get(), L"ViewMouseTool", bvxRectangle);
         const HWND window = e->hwnd;
         const Ref<EventRecorder> events = e->events;
@@ -343,8 +340,7 @@ TEST_F(Container, TheWindowAndTheViewObjectShowWhatTheCommandLineHostPaints)
 {
     constexpr SIZE kSize{160, 120};
     Embedded e(form.Handle(), RECT{0, 0, kSize.cx, kSize.cy});
-    ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
-    Painted(e);
+    ASSERT_TRUE(Shown(e));
     Apply(e.control.get(), kDrawing);
     ExpectPicturesOf(e, CliPicture({kSize}, "plain"));
 }
@@ -353,8 +349,7 @@ TEST_F(Container, HidingShowingAndResizingKeepTheDrawing)
 {
     constexpr SIZE kSize{160, 120}, kBigger{220, 170};
     Embedded e(form.Handle(), RECT{0, 0, kSize.cx, kSize.cy});
-    ASSERT_EQ(e.activated, S_OK) << HexCode(e.activated);
-    Painted(e);
+    ASSERT_TRUE(Shown(e));
     Apply(e.control.get(), kDrawing);
     const double shapes = Read(e.control.get(), L"CadShapeCount");
     ASSERT_GT(shapes, 0);
