@@ -405,34 +405,15 @@ CliRun RunCli(const std::string& script)
     std::ofstream(scriptPath, std::ios::binary) << script;
 
     CliRun run;
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    HANDLE readEnd = nullptr, writeEnd = nullptr;
-    if (!CreatePipe(&readEnd, &writeEnd, &inherited, 0)) return run;
-    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-    start.hStdOutput = start.hStdError = writeEnd;
-    std::wstring command = L"\"" + CliPath() + L"\" run \"" + Wide(scriptPath) + L"\"";
-    PROCESS_INFORMATION process{};
-    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                                        nullptr, &start, &process);
-    CloseHandle(writeEnd);
-    if (started) {
-        char buffer[4096];
-        DWORD got = 0;
-        while (ReadFile(readEnd, buffer, sizeof buffer, &got, nullptr) && got)
-            for (DWORD i = 0; i < got; ++i)
-                if (buffer[i] != '\r') run.output += buffer[i];
-        WaitForSingleObject(process.hProcess, 120000);
-        GetExitCodeProcess(process.hProcess, &run.exitCode);
-        CloseHandle(process.hProcess);
-        CloseHandle(process.hThread);
+    // Through cmd.exe, which drops the outer quotes and keeps the inner ones.
+    const std::wstring command = L"\"\"" + CliPath() + L"\" run \"" + Wide(scriptPath) + L"\" 2>&1\"";
+    if (FILE* out = _wpopen(command.c_str(), L"rb")) {
+        for (int c; (c = std::fgetc(out)) != EOF;)
+            if (c != '\r') run.output += char(c);
+        run.exitCode = DWORD(_pclose(out));
     } else {
-        run.output = "cannot start " + Narrow(command.c_str()) + ": error " + std::to_string(GetLastError());
+        run.output = "cannot start " + Narrow(command.c_str());
     }
-    CloseHandle(readEnd);
     DeleteFileA(scriptPath.c_str());
     return run;
 }
