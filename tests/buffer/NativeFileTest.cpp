@@ -120,26 +120,17 @@ TEST_F(NativeFileTest, SavedBytesFollowTheLayoutFieldByField)
     c.PutLayerSearchMethod(bvxRectangle, 1);
 
     const ShapeAttr own = ShapeAttr::FromWords(0x00123405, 0x000001A3);
-    auto rect = std::make_unique<CRectShape>();
-    rect->P1 = {10, 80};
-    rect->P2 = {30, 60};
-    rect->Notes = u"caf\u00e9 \u20ac";
-    Add(c, std::move(rect), 1);
-    auto round = std::make_unique<CRectShape>();
-    round->P1 = {1, 2};
-    round->P2 = {3, 4};
-    round->Radius = {0.5, 0.25};
-    round->SetAttr(own);
-    Add(c, std::move(round), 2, 1);
-    auto line = std::make_unique<CRectShape>();
-    line->P1 = {-1, -2};
-    line->P2 = {7, 8};
-    line->LineType = 3;
-    Add(c, std::move(line), 3);
-    auto ellipse2 = std::make_unique<CRectShape>();
-    ellipse2->P1 = {0, 0};
-    ellipse2->P2 = {1e10, -1e-10};
-    Add(c, std::move(ellipse2), 4);
+    const auto rectangle = [&](uint8_t type, WorldPoint p1, WorldPoint p2, int16_t method = 0) -> CRectShape& {
+        auto shape = std::make_unique<CRectShape>();
+        shape->P1 = p1, shape->P2 = p2;
+        return Add(c, std::move(shape), type, method);
+    };
+    rectangle(1, {10, 80}, {30, 60}).Notes = u"caf\u00e9 \u20ac";
+    CRectShape& round = rectangle(2, {1, 2}, {3, 4}, 1);
+    round.Radius = {0.5, 0.25};
+    round.SetAttr(own);
+    rectangle(3, {-1, -2}, {7, 8}).LineType = 3;
+    rectangle(4, {0, 0}, {1e10, -1e-10});
     for (uint8_t type = 5; type <= 10; ++type) {
         auto poly = std::make_unique<CPolyShape>();
         for (int i = 0; i < type - 2; ++i) poly->Points.push_back({double(type), i * 0.5});
