@@ -483,27 +483,17 @@ Picture FromViewObject(IUnknown* control, int width, int height)
 
 Picture ReadBmp(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    auto u32 = [&](size_t at) {
-        uint32_t v = 0;
-        for (size_t i = 0; i < 4; ++i) v |= uint32_t(uint8_t(bytes[at + i])) << (8 * i);
-        return v;
-    };
-    if (bytes.size() < 54 || bytes.compare(0, 2, "BM") != 0) return {};
-    const int width = int(u32(18)), rows = int(u32(22));
-    const int height = rows < 0 ? -rows : rows;
-    const uint32_t bitsAt = u32(10), stride = (uint32_t(width) * 3 + 3) & ~3u;
-    if ((u32(28) & 0xFFFF) != 24 || u32(30) != BI_RGB || width <= 0 || bytes.size() < bitsAt + stride * height)
-        return {};
-    Picture p{width, height, {}};
-    for (int y = 0; y < height; ++y) {
-        const size_t row = bitsAt + stride * size_t(rows < 0 ? y : height - 1 - y);
-        for (int x = 0; x < width; ++x) {
-            const auto* px = reinterpret_cast<const uint8_t*>(bytes.data() + row + 3 * size_t(x));
-            p.pixels.push_back(uint32_t(px[2]) << 16 | uint32_t(px[1]) << 8 | px[0]);
-        }
-    }
+    const auto loaded =
+        HBITMAP(LoadImageA(nullptr, path.c_str(), IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION));
+    BITMAP size{};
+    if (!loaded || !GetObjectW(loaded, sizeof size, &size)) return {};
+    HDC file = CreateCompatibleDC(nullptr);
+    HGDIOBJ old = SelectObject(file, loaded);
+    Picture p = Capture(size.bmWidth, size.bmHeight,
+                        [&](HDC memory) { BitBlt(memory, 0, 0, size.bmWidth, size.bmHeight, file, 0, 0, SRCCOPY); });
+    SelectObject(file, old);
+    DeleteDC(file);
+    DeleteObject(loaded);
     return p;
 }
 

@@ -219,7 +219,7 @@ struct Picture {
 Picture FromWindow(HWND hwnd);
 // What IViewObject::Draw paints into a bitmap of the given size.
 Picture FromViewObject(IUnknown* control, int width, int height);
-// A 24-bit BMP; an empty picture when it can't be read.
+// A BMP file as the platform loads it; an empty picture when it can't be read.
 Picture ReadBmp(const std::string& path);
 // Empty when the pictures match; else the size or the first differing pixels.
 std::string Differences(const Picture& got, const Picture& expected);
