@@ -4,6 +4,7 @@
 #include "DrawingCase.h"
 #include "platform/FontEngine.h"
 #include "PixelFile.h"
+#include "../platform/DataRows.h"
 #include "platform/Region.h"
 #include "platform/raster/RasterDeviceContext.h"
 
@@ -34,11 +35,7 @@ Region MakeRegion(const RegionCase& r)
 std::set<std::string> KnownDifferences()
 {
     std::set<std::string> names;
-    std::ifstream in(BVX_TEST_DATA_DIR "/gdi_known_differences.txt");
-    for (std::string line; std::getline(in, line);) {
-        std::istringstream words(line.substr(0, line.find("//")));
-        if (std::string name; words >> name) names.insert(name);
-    }
+    for (const auto& row : test::DataRows("gdi_known_differences.txt")) names.insert(row[0]);
     return names;
 }
 
