@@ -308,14 +308,14 @@ private:
     double Real() { return std::uniform_real_distribution<double>(-1e4, 1e4)(rng_); }
     WorldPoint Point() { return {Real(), Real()}; }
     ShapeAttr Attr() { return ShapeAttr::FromWords(uint32_t(rng_()), uint32_t(rng_())); }
-    // Text of the code page without NUL.
+    // Text of the code page without NUL, through its own mapping, so that
+    // text survives the file's form.
     std::u16string Text(uint32_t length)
     {
-        std::string ansi;
-        for (uint32_t i = 0; i < length; ++i) ansi += char(1 + Below(255));
-        return FromAnsiText(ansi);
+        std::u16string wide;
+        for (uint32_t i = 0; i < length; ++i) wide += AnsiToUnicode(uint8_t(1 + Below(255)));
+        return wide;
     }
-    static std::u16string FromAnsiText(const std::string& ansi);
 
     void Shape(int32_t layer, CGroupShape* group, int depth)
     {
@@ -383,14 +383,6 @@ private:
     CadView& v_;
     std::mt19937 rng_;
 };
-
-std::u16string RandomDrawing::FromAnsiText(const std::string& ansi)
-{
-    // The code page's own mapping, so that text survives the file's form.
-    std::u16string wide;
-    for (char ch : ansi) wide += AnsiToUnicode(uint8_t(ch));
-    return wide;
-}
 
 // Saved, loaded and saved again, a drawing gives the same bytes every time:
 // every field a load reads is one the next save writes. Loading announces
