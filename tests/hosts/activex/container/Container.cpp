@@ -188,11 +188,7 @@ STDMETHODIMP Site::GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindo
     *frame = this;
     *document = nullptr;
     *position = *clip = position_;
-    info->cb = sizeof *info;
-    info->fMDIApp = FALSE;
-    info->hwndFrame = form_;
-    info->haccel = nullptr;
-    info->cAccelEntries = 0;
+    *info = {sizeof *info, FALSE, form_, nullptr, 0};
     return S_OK;
 }
 
