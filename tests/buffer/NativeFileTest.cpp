@@ -155,26 +155,14 @@ TEST_F(NativeFileTest, SavedBytesFollowTheLayoutFieldByField)
         arc->EndAngle = -1.5;
         Add(c, std::move(arc), type);
     }
-    auto point = std::make_unique<CPointShape>();
-    point->Position = {12.5, -7};
-    Add(c, std::move(point), 17);
+    c.DrawPoint(12.5, -7, 1);
     CGroupShape& outer = Add(c, std::make_unique<CGroupShape>(), 18);
     CGroupShape& inner = Add(c, std::make_unique<CGroupShape>(), 18);
     inner.SetAttr(own);
-    auto member = std::make_unique<CPointShape>();
-    member->Position = {1, 1};
-    CPointShape& innerMember = Add(c, std::move(member), 17);
-    ASSERT_TRUE(buf.GroupAddShape(&inner, &innerMember));
+    ASSERT_TRUE(buf.GroupAddShape(&inner, buf.FindShape(c.DrawPoint(1, 1, 1))));
     ASSERT_TRUE(buf.GroupAddShape(&outer, &inner));
-    auto circle = std::make_unique<CEllipseShape>();
-    circle->Centre = {20, 30};
-    circle->RadiusX = circle->RadiusY = 4;
-    Add(c, std::move(circle), 19);
-    auto ellipse = std::make_unique<CEllipseShape>();
-    ellipse->Centre = {-20, 30};
-    ellipse->RadiusX = 6;
-    ellipse->RadiusY = 2;
-    Add(c, std::move(ellipse), 20, 0, 2);
+    c.DrawCircle(20, 30, 4, 1);
+    c.DrawEllipse(-20, 30, 6, 2, 2);
     const int32_t lastColor = c.ShapeAdd(bvxPoint, 2);
     c.PutShapePenFg(lastColor, 0x00ABCDEF); // a colour beyond the start colours
 
