@@ -32,14 +32,16 @@ STDMETHODIMP CBvxCAD::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC 
     if (width <= 0 || height <= 0) return S_OK;
     if (width > INT32_MAX || height > INT32_MAX) return E_OUTOFMEMORY;
     // The same paint as the window's, onto a surface of the bounds' size at
-    // the origin, so that a thumbnail of the window's size reuses the picture.
+    // the origin, so that a thumbnail of the window's size reuses the
+    // picture; the context's mapping mode scales it onto the bounds.
     BitmapHandle surface = CreateBitmap(int32_t(width), int32_t(height));
     if (!surface) return E_OUTOFMEMORY;
     RasterDeviceContext surfaceDc(surface, control_.View().World.ScreenDpiX, control_.View().World.ScreenDpiY);
     const DeviceRect whole{0, 0, surface->Width(), surface->Height()};
     control_.OnDraw(window_.Handle() ? &window_ : nullptr, surfaceDc, whole);
     win32::SurfaceCopy copy;
-    return copy.Copy(dc, *surface, whole, {area.left, area.top}) ? S_OK : E_FAIL;
+    const RECT to{area.left, area.top, area.right, area.bottom};
+    return copy.Stretch(dc, *surface, to) ? S_OK : E_FAIL;
 }
 
 STDMETHODIMP CBvxCAD::GetColorSet(DWORD, LONG, void*, DVTARGETDEVICE*, HDC, LOGPALETTE** out)

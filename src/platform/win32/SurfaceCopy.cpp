@@ -67,11 +67,10 @@ bool SurfaceCopy::CopyDescribed(HDC dc, const Bitmap& surface, const DeviceRect&
     return copied > 0;
 }
 
-bool SurfaceCopy::CopySwapped(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to)
+const uint32_t* SurfaceCopy::Swapped(const Bitmap& surface, const DeviceRect& area)
 {
     const int32_t width = int32_t(area.Width());
-    const int32_t height = int32_t(area.Height());
-    scratch_.resize(size_t(width) * size_t(height));
+    scratch_.resize(size_t(width) * size_t(area.Height()));
     uint32_t* out = scratch_.data();
     for (int32_t y = area.top; y < area.bottom; ++y) {
         const uint32_t* in = surface.Row(y).data() + area.left;
@@ -80,9 +79,30 @@ bool SurfaceCopy::CopySwapped(HDC dc, const Bitmap& surface, const DeviceRect& a
             *out++ = ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
         }
     }
+    return scratch_.data();
+}
+
+bool SurfaceCopy::CopySwapped(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to)
+{
+    const int32_t width = int32_t(area.Width());
+    const int32_t height = int32_t(area.Height());
+    const uint32_t* pixels = Swapped(surface, area);
     const DibHeader header(width, height, false);
-    return SetDIBitsToDevice(dc, to.x, to.y, DWORD(width), DWORD(height), 0, 0, 0, UINT(height), scratch_.data(),
+    return SetDIBitsToDevice(dc, to.x, to.y, DWORD(width), DWORD(height), 0, 0, 0, UINT(height), pixels,
                              header.Info(), DIB_RGB_COLORS) > 0;
+}
+
+bool SurfaceCopy::Stretch(HDC dc, const Bitmap& surface, const RECT& to)
+{
+    if (!dc || surface.Width() <= 0 || surface.Height() <= 0) return false;
+    const uint32_t* pixels = Swapped(surface, {0, 0, surface.Width(), surface.Height()});
+    const DibHeader header(surface.Width(), surface.Height(), false);
+    // Shrinking keeps colours rather than blending them into black or white.
+    const int previousMode = SetStretchBltMode(dc, COLORONCOLOR);
+    const int copied = StretchDIBits(dc, to.left, to.top, to.right - to.left, to.bottom - to.top, 0, 0, surface.Width(),
+                                     surface.Height(), pixels, header.Info(), DIB_RGB_COLORS, SRCCOPY);
+    if (previousMode) SetStretchBltMode(dc, previousMode);
+    return copied > 0;
 }
 
 } // namespace bvx::win32

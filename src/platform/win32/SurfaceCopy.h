@@ -29,9 +29,15 @@ public:
     // The part `area` of the surface (clipped to it) to the device context,
     // its top left corner at `to`; false if nothing could be copied.
     bool Copy(HDC dc, const Bitmap& surface, DeviceRect area, DevicePoint to);
+    // The whole surface onto a rectangle in the context's logical units, so
+    // that a mapping mode scales it (a print preview); with none it gives
+    // the pixels Copy gives. Always by the swap.
+    bool Stretch(HDC dc, const Bitmap& surface, const RECT& to);
     Path CurrentPath() const { return path_; }
 
 private:
+    // The area's pixels in the platform's order, in the scratch buffer.
+    const uint32_t* Swapped(const Bitmap& surface, const DeviceRect& area);
     bool CopyDescribed(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to, bool bitFields);
     bool CopySwapped(HDC dc, const Bitmap& surface, const DeviceRect& area, DevicePoint to);
 

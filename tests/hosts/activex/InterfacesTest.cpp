@@ -4,6 +4,8 @@
 
 #include <objsafe.h>
 
+#include <algorithm>
+
 namespace bvx::client {
 namespace {
 
@@ -244,11 +246,21 @@ TEST(Interfaces, AnInactiveControlsViewDataAndQuickActivation)
     const RECTL drawn{10, 10, 30, 20};
     EXPECT_EQ(view->Draw(DVASPECT_ICON, -1, nullptr, nullptr, nullptr, memory, &drawn, nullptr, nullptr, 0), DV_E_DVASPECT);
     EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, nullptr, &drawn, nullptr, nullptr, 0), E_INVALIDARG);
-    EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, memory, &drawn, nullptr, nullptr, 0), S_OK);
-    const auto* pixels = static_cast<const uint32_t*>(bits);
-    for (int y = 0; y < 30; ++y)
-        for (int x = 0; x < 40; ++x)
-            ASSERT_EQ(pixels[y * 40 + x], x >= 10 && x < 30 && y >= 10 && y < 20 ? 0x563412u : 0u) << x << "," << y;
+    // Exactly the bounds, in device pixels; a mapping mode that doubles
+    // logical units doubles the picture.
+    const auto drawnExactly = [&](RECT device) {
+        auto* pixels = static_cast<uint32_t*>(bits);
+        std::fill(pixels, pixels + 40 * 30, 0u);
+        EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, memory, &drawn, nullptr, nullptr, 0), S_OK);
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 40; ++x)
+                ASSERT_EQ(pixels[y * 40 + x], PtInRect(&device, POINT{x, y}) ? 0x563412u : 0u) << x << "," << y;
+    };
+    drawnExactly({10, 10, 30, 20});
+    SetMapMode(memory, MM_ANISOTROPIC);
+    SetViewportExtEx(memory, 2, 3, nullptr);
+    SetViewportOrgEx(memory, -15, -20, nullptr);
+    drawnExactly({5, 10, 45, 40});
     SelectObject(memory, previous);
     DeleteObject(bitmap);
     DeleteDC(memory);
