@@ -373,6 +373,19 @@ TEST_F(Container, HidingShowingAndResizingKeepTheDrawing)
     EXPECT_EQ(client.bottom, kBigger.cy);
     EXPECT_EQ(Read(e.control.get(), L"CadShapeCount"), shapes);
     ExpectPicturesOf(e, CliPicture({kSize, kBigger}, "resized"));
+
+    // A clip smaller than the position leaves only its part of the window
+    // visible; a clip as large as the position, all of it.
+    const RECT position{0, 0, kBigger.cx, kBigger.cy}, clip{10, 20, 100, kBigger.cy};
+    HRGN region = CreateRectRgn(0, 0, 0, 0);
+    EXPECT_EQ(inPlace->SetObjectRects(&position, &clip), S_OK);
+    RECT visible{};
+    EXPECT_EQ(GetWindowRgn(e.hwnd, region), SIMPLEREGION);
+    GetRgnBox(region, &visible);
+    EXPECT_TRUE(EqualRect(&visible, &clip)) << visible.left << "," << visible.top << " " << visible.right << "," << visible.bottom;
+    EXPECT_EQ(inPlace->SetObjectRects(&position, &position), S_OK);
+    EXPECT_EQ(GetWindowRgn(e.hwnd, region), ERROR);
+    DeleteObject(region);
 }
 
 } // namespace
