@@ -1,5 +1,7 @@
 #include "GdiObjects.h"
 
+#include <algorithm>
+
 namespace bvx {
 
 namespace {
@@ -34,6 +36,18 @@ BitmapHandle CreateBitmap(int32_t width, int32_t height)
 {
     if (width <= 0 || height <= 0 || int64_t(width) * height > kMaxBitmapPixels) return nullptr;
     return std::make_shared<Bitmap>(width, height);
+}
+
+BitmapHandle ResizedSurface(const Bitmap* old, int32_t width, int32_t height)
+{
+    BitmapHandle resized = CreateBitmap(width, height);
+    if (!resized || !old) return resized;
+    for (int32_t y = 0; y < std::min(old->Height(), height); ++y) {
+        auto from = old->Row(y);
+        auto to = resized->Row(y);
+        std::copy_n(from.begin(), std::min(from.size(), to.size()), to.begin());
+    }
+    return resized;
 }
 
 } // namespace bvx

@@ -103,5 +103,8 @@ BrushHandle CreateHatchBrush(HatchStyle hatch, ColorRef color);
 BrushHandle CreateNullBrush();
 // Negative or oversized dimensions give a null handle, as a failed allocation would.
 BitmapHandle CreateBitmap(int32_t width, int32_t height);
+// A window's surface at a new size: what it showed stays where it was, as a
+// real window keeps it; null as CreateBitmap.
+BitmapHandle ResizedSurface(const Bitmap* old, int32_t width, int32_t height);
 
 } // namespace bvx

@@ -24,16 +24,7 @@ bool WriteBitmapFile(const Bitmap& bitmap, const std::string& path)
 
 void CliWindow::Resize(int32_t width, int32_t height)
 {
-    BitmapHandle resized = CreateBitmap(std::max(width, 1), std::max(height, 1));
-    // What the old surface showed stays where it was, as on a real window.
-    if (surface_) {
-        for (int32_t y = 0; y < std::min(surface_->Height(), resized->Height()); ++y) {
-            auto from = surface_->Row(y);
-            auto to = resized->Row(y);
-            std::copy_n(from.begin(), std::min(from.size(), to.size()), to.begin());
-        }
-    }
-    surface_ = std::move(resized);
+    surface_ = ResizedSurface(surface_.get(), std::max(width, 1), std::max(height, 1));
     invalid_.clear();
     InvalidateRect(nullptr, true);
 }

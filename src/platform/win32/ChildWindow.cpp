@@ -133,15 +133,8 @@ void ChildWindow::FitSurface()
     const int32_t width = std::max<int32_t>(int32_t(client.Width()), 1);
     const int32_t height = std::max<int32_t>(int32_t(client.Height()), 1);
     if (surface_ && surface_->Width() == width && surface_->Height() == height) return;
-    BitmapHandle resized = CreateBitmap(width, height);
+    BitmapHandle resized = ResizedSurface(surface_.get(), width, height);
     if (!resized) return;
-    if (surface_) {
-        for (int32_t y = 0; y < std::min(surface_->Height(), height); ++y) {
-            auto from = surface_->Row(y);
-            auto to = resized->Row(y);
-            std::copy_n(from.begin(), std::min(from.size(), to.size()), to.begin());
-        }
-    }
     surface_ = std::move(resized);
 }
 
